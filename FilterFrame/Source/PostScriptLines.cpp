@@ -1,0 +1,148 @@
+// Block reader, line splitter and token search.
+//
+// Ordinary lines are never looked at one by one. A token line can only begin behind a line end and
+// with one of a few first bytes; a search for that pair over the whole block, written so that the
+// compiler turns it into vector instructions, finds the rare places that deserve a comparison.
+
+#include "FilterFrame/Source/PostScriptLines.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kLongestToken = [] {
+  std::size_t longest = 0;
+  for (const PostScriptToken& token : kPostScriptTokens) {
+    longest = std::max(longest, token.line.size());
+  }
+  return longest;
+}();
+
+// Each token's first byte once; the rest of the array repeats the first one.
+constexpr auto kFirstBytes = [] {
+  std::array<char, std::size(kPostScriptTokens)> bytes{};
+  bytes.fill(kPostScriptTokens[0].line[0]);
+  std::size_t count = 0;
+  for (const PostScriptToken& token : kPostScriptTokens) {
+    if (std::find(bytes.begin(), bytes.end(), token.line[0]) == bytes.end()) {
+      bytes[++count] = token.line[0];
+    }
+  }
+  return std::pair(bytes, count + 1);
+}();
+
+constexpr bool IsLineEnd(char c) { return (c == '\n') | (c == '\r'); }
+
+// Whether a token line may begin with `second`, which stands behind `first`. No branches: it is
+// evaluated for many bytes at once.
+template <std::size_t... Index>
+constexpr bool MayBeginToken(char first, char second, std::index_sequence<Index...>) {
+  return IsLineEnd(first) & ((second == kFirstBytes.first[Index]) | ...);
+}
+constexpr bool MayBeginToken(const char* at) {
+  return MayBeginToken(at[-1], at[0], std::make_index_sequence<kFirstBytes.second>());
+}
+
+// The first place in [from, end) where a token line may begin, or end. The byte before `from` is
+// readable.
+const char* FindCandidate(const char* from, const char* end) {
+  constexpr std::ptrdiff_t kStride = 64;
+  for (; end - from >= kStride; from += kStride) {
+    unsigned char found = 0;
+    for (std::ptrdiff_t i = 0; i < kStride; i++) {
+      found = static_cast<unsigned char>(found | MayBeginToken(from + i));
+    }
+    if (found != 0) break;
+  }
+  return std::find_if(from, end, [](const char& c) { return MayBeginToken(&c); });
+}
+
+const PostScriptToken* MatchToken(std::string_view line) {
+  for (const PostScriptToken& token : kPostScriptTokens) {
+    if (token.line == line) return &token;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+PostScriptLines::PostScriptLines(int fd)
+    : fd_(fd),
+      buffer_(std::make_unique_for_overwrite<char[]>(1 + kBlockSize)),
+      begin_(buffer_.get() + 1),
+      end_(begin_),
+      scan_(begin_) {
+  buffer_[0] = '\n';  // the job's first byte begins a line
+}
+
+bool PostScriptLines::next(Piece& piece) {
+  for (;;) {
+    const char* candidate = FindCandidate(scan_, end_);
+    if (candidate == end_) {
+      scan_ = end_;
+      const char* finished = endOfFinished();
+      if (finished != begin_) return take(finished, nullptr, piece);
+      if (!refill()) return false;
+      continue;
+    }
+    const char* limit = candidate + std::min<std::ptrdiff_t>(end_ - candidate, kLongestToken + 1);
+    const char* lineEnd = std::find_if(candidate, limit, IsLineEnd);
+    if (lineEnd == limit && limit == end_) {  // it depends on bytes that are not here yet
+      scan_ = candidate;
+      if (candidate != begin_) return take(candidate, nullptr, piece);
+      if (!refill()) return false;
+      continue;
+    }
+    const auto length = static_cast<std::size_t>(lineEnd - candidate);
+    if (const PostScriptToken* token = MatchToken({candidate, length})) {
+      scan_ = candidate;
+      if (candidate != begin_) return take(candidate, nullptr, piece);
+      scan_ = lineEnd + 1;
+      return take(lineEnd + 1, token, piece);
+    }
+    scan_ = lineEnd;
+  }
+}
+
+bool PostScriptLines::take(const char* end, const PostScriptToken* token, Piece& piece) {
+  const auto length = static_cast<std::size_t>(end - begin_);
+  piece = {{begin_, length}, token};
+  begin_ += length;
+  return true;
+}
+
+// Behind the last byte that can be passed on although the last line is not finished: its line end,
+// or the last whole piece of an over-long line.
+const char* PostScriptLines::endOfFinished() const {
+  const auto last = std::find_if(std::reverse_iterator<const char*>(end_),
+                                 std::reverse_iterator<const char*>(begin_), IsLineEnd);
+  if (last.base() != begin_) return last.base();
+  const auto held = static_cast<std::size_t>(end_ - begin_);
+  return begin_ + held / kLinePieceSize * kLinePieceSize;
+}
+
+// Moves what is held to the front of the buffer, with the byte before it, and reads behind it.
+bool PostScriptLines::refill() {
+  char* front = buffer_.get();
+  const auto held = static_cast<std::size_t>(end_ - begin_);
+  const std::ptrdiff_t shift = begin_ - 1 - front;
+  if (shift > 0) std::memmove(front, begin_ - 1, held + 1);
+  begin_ -= shift;
+  end_ -= shift;
+  scan_ -= shift;
+
+  ssize_t count = 0;
+  do {
+    count = read(fd_, end_, kBlockSize - held);
+  } while (count < 0 && errno == EINTR);
+  if (count <= 0) return false;
+  end_ += count;
+  return true;
+}

@@ -1,0 +1,94 @@
+// The pass-through loop and what happens at a token.
+
+#include "FilterFrame/Source/PostScriptStream.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdint>
+
+#include "FilterFrame/Source/JobState.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/SystemVersion.h"
+#include "engine/ModuleDispatch.h"
+#include "text/BoundedText.h"
+
+char g_DLOutputMode[255];
+
+namespace {
+
+constexpr char kEndOfTransmission[] = "\004";
+constexpr std::int32_t kFirstSystemWithPageLog = 0x1070;
+
+// The job's input: standard input, or a file of its own that it closes.
+class JobInput {
+ public:
+  explicit JobInput(const char* path)
+      : fd_(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
+  ~JobInput() {
+    if (fd_ > STDIN_FILENO) close(fd_);
+  }
+  JobInput(const JobInput&) = delete;
+  JobInput& operator=(const JobInput&) = delete;
+  int fd() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+void Write(std::string_view bytes, std::FILE* stream) {
+  ZRfwrite(bytes.data(), 1, bytes.size(), stream);
+}
+
+}  // namespace
+
+void OutputPSStream(int argc, char* argv[]) {
+  const JobInput input(argc == 6 ? nullptr : argv[6]);
+  if (input.fd() < 0) return;
+  PostScriptLines lines(input.fd());
+  StreamPosition position;
+  PostScriptLines::Piece piece;
+  while (lines.next(piece)) {
+    if (piece.token == nullptr) {
+      Write(piece.bytes, stdout);
+    } else if (!OutputTokenLine(*piece.token, piece.bytes, position, stdout, argv)) {
+      return;
+    }
+  }
+  ZRfputs(kEndOfTransmission, stdout);
+}
+
+bool OutputTokenLine(const PostScriptToken& token, std::string_view line, StreamPosition& position,
+                     std::FILE* stream, char* argv[]) {
+  if (token.endsPage) position.page++;
+  const bool hooked = !(token.onlyFirst && position.prologEnded);
+  if (token.onlyFirst) position.prologEnded = true;
+
+  if (hooked && token.hookPlace == HookPlace::kBefore) {
+    OutputPSCommandFromFilter(token.hookCode, position.page, stream);
+  }
+  if (token.pollsCancel && CancelJob == 1) return false;
+  Write(line, stream);
+  if (hooked && token.hookPlace == HookPlace::kAfter) {
+    OutputPSCommandFromFilter(token.hookCode, position.page, stream);
+  }
+  if (token.endsPage) FlushOutput(stream);
+  if (token.logsPage) OutputPageLogCommand(position.page, argv);
+  return true;
+}
+
+void OutputPageLogCommand(int page, char* argv[]) {
+  std::int32_t version = 0;
+  Gestalt_ALT(kSystemVersion, &version);
+  if (version >= kFirstSystemWithPageLog) std::fprintf(stderr, "PAGE:%d %s\n", page, argv[4]);
+}
+
+int GetDLOutputMode(char* argv[]) {
+  const JobOptions options(argv[5]);
+  CopyBounded(g_DLOutputMode, "");
+  const char* mode = cupsGetOption("ZLVOutputMode", options.count(), options.list());
+  if (mode == nullptr) return 0;
+  CopyBounded(g_DLOutputMode, mode);
+  return 1;
+}

@@ -1,0 +1,30 @@
+// The single way to the printer: every byte written here goes to the job copy first, when one is
+// open, and then to the given stream.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+// Writes `count` elements of `size` bytes each.
+void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream);
+
+// Writes a NUL-terminated text.
+void ZRfputs(const char* str, std::FILE* stream);
+
+// Writes one byte.
+void ZRfputc(int c, std::FILE* stream);
+
+// Writes a finished NUL-terminated text as it stands: a percent sign in it is a percent sign.
+void ZRfprintf(std::FILE* stream, const char* str);
+
+// Writes the decimal digits of `value` right-aligned into `buf` (`size` bytes, at least 1) and
+// returns their start inside `buf`. Zero gives the empty text: callers rely on an empty field.
+// No sign is written; digits that do not fit are left out at the front.
+char* itoa(int value, char* buf, int size);
+
+// Flushes `stream`, so that the next program sees what has been written so far.
+void FlushOutput(std::FILE* stream);
+
+// The errno of the first write to standard output that failed, 0 when none did.
+int FirstOutputError();

@@ -1,0 +1,117 @@
+// A print job from CUPS's arguments to the trailer: this file tells the job in its order.
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "FilterFrame/Source/JobCopy.h"
+#include "FilterFrame/Source/JobState.h"
+#include "FilterFrame/Source/PostScriptStream.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "engine/JobHeader.h"
+#include "engine/ModuleDispatch.h"
+#include "text/BoundedText.h"
+#include "text/Encoding.h"
+
+namespace {
+
+constexpr int kFewestArguments = 6;  // the program's name included
+constexpr std::size_t kOutputBufferSize = 8 * 1024;
+
+int Usage() {
+  std::fputs("Usage: pstoxpjl job-id user title copies options [file]\n", stderr);
+  return 1;
+}
+
+// Takes closed standard descriptors, each in the direction that makes its use fail, so that no file
+// the job opens can be mistaken for one of them.
+void OccupyStandardDescriptors() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
+    if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
+// Standard output hands on whole blocks; it is flushed where the next program should see more.
+void BufferOutput() {
+  static char buffer[kOutputBufferSize];
+  std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+}
+
+void ReadUserName(const char* user, bool utf8) {
+  if (utf8) {
+    ConvertUTF8ToEncodingForUTF8(user, StdUserName, kUserNameSizeForUTF8);
+    CopyBounded(StdJBAUserName, kJBAUserNameSizeForUTF8, StdUserName);
+  } else {
+    ConvertUTF8ToEncoding(user, StdUserName, kNameSize);
+    CopyBounded(StdJBAUserName, kJBAUserNameSize, StdUserName);
+  }
+}
+
+// A title with a line end would break the header's lines; such a job has no name.
+void ReadDocumentName(const char* title, bool utf8) {
+  if (std::strpbrk(title, "\r\n") != nullptr) return;
+  if (utf8) {
+    ConvertUTF8ToEncodingForUTF8(title, StdDocumentName, kNameSize);
+    ConvertUTF8ToEncodingForUTF8(title, PTStdDocumentName, kNameSize);
+  } else {
+    ConvertUTF8ToEncoding(title, StdDocumentName, kNameSize);
+  }
+}
+
+void SignalHandler(int /*signal*/) { CancelJob = 1; }
+
+void SignalPipeHandler(int /*signal*/) { CancelJobForPipe = 1; }
+
+// Interrupted reads and writes go on: a cancelled job ends at its next page boundary.
+void InstallHandler(int signal, void (*handler)(int)) {
+  struct sigaction action = {};
+  action.sa_handler = handler;
+  action.sa_flags = SA_RESTART;
+  sigemptyset(&action.sa_mask);
+  sigaction(signal, &action, nullptr);
+}
+
+// Hands on the rest of the job. What could not be written is said once; a closed pipe is no news
+// to the program that closed it.
+void FinishOutput() {
+  FlushOutput(stdout);
+  const int error = FirstOutputError();
+  if (error != 0 && error != EPIPE) {
+    std::fprintf(stderr, "ERROR: Unable to write print data: %s\n", std::strerror(error));
+  }
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  if (argc < kFewestArguments) return Usage();
+  OccupyStandardDescriptors();
+  BufferOutput();
+
+  const bool utf8 = PrinterLanguageIsUTF8();
+  ReadUserName(argv[2], utf8);
+  InstallHandler(SIGTERM, SignalHandler);
+  InstallHandler(SIGPIPE, SignalPipeHandler);
+  ReadDocumentName(argv[3], utf8);
+
+  InializeDescriptionTable();
+  OpenJobCopy();
+  std::setvbuf(stderr, nullptr, _IONBF, 0);
+
+  GetTicketFromPDE(argv);
+  OutputXPJLCommand(argv);
+  FlushOutput(stdout);
+
+  OutputPSStream(argc, argv);
+
+  OutputXPJLCommandFromArray(argv, prtFmtTableXPJLTrailer, numFmtTableXPJLTrailer);
+  CloseJobCopy();
+  CloseJobPPD();
+  FinishOutput();
+  return CancelJobForPipe == 1 ? 1 : 0;
+}

@@ -1,0 +1,72 @@
+// The order of the job header.
+
+#include "engine/JobHeader.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "DeploymentData.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "engine/ModuleDispatch.h"
+
+#define ROWS_FILE "engine/JobHeaderRows.def"
+#define ROWS_BIND_VALUES BindJobHeaderValues
+#define ROWS_BIND_TESTS BindJobHeaderTests
+#include "engine/CommandRows.h"
+
+namespace {
+
+enum class CommentBlock { kNone, kShort, kLong };
+
+// Whether the printer is of a family that always gets the short job summary.
+bool ModelAlwaysGetsComment(const char* pcFileName) {
+  for (const char* const* model = modelsWithComment; *model != nullptr; model++) {
+    if (std::strstr(pcFileName, *model) != nullptr) return true;
+  }
+  return false;
+}
+
+// Which job summary the printer reads. A printer with a language encoding other than UTF-8 knows
+// the short one only; the long one is asked for by the PPD.
+CommentBlock ChooseCommentBlock() {
+  const char* encoding = JobPPDValue("ZLVPrinterLanguageEncoding");
+  if (encoding != nullptr && std::strcmp(encoding, "UTF-8") != 0) return CommentBlock::kShort;
+  if (encoding == nullptr) {
+    const char* pcFileName = JobPPDValue("PCFileName");
+    if (pcFileName == nullptr) return CommentBlock::kNone;
+    if (ModelAlwaysGetsComment(pcFileName)) return CommentBlock::kShort;
+  }
+  return JobPPDValueIs("CommentOn", "True") ? CommentBlock::kLong : CommentBlock::kNone;
+}
+
+void OutputCommentBlock(CommentBlock block) {
+  if (block == CommentBlock::kNone) return;
+  const bool isLong = block == CommentBlock::kLong;
+  ZRfputs(isLong ? "@PJL COMMENT PRINTJOBINFO VERSION=1.5.0\n"
+                 : "@PJL COMMENT PRINTJOBINFO VERSION=1.3.0\n",
+          stdout);
+  ZRfputs("@PJL COMMENT PRINTJOBINFO END\n", stdout);
+}
+
+}  // namespace
+
+void InializeDescriptionTable() {
+  BindJobHeaderValues();
+  BindJobHeaderTests();
+  InializeDescriptionTableFromFilter();
+}
+
+void OutputXPJLCommand(char* args[]) {
+  OutputXPJLCommandFromArray(args, prtFmtTableXPJLHead, numFmtTableXPJLHead);
+  OutputXPJLCommandLanguageEncodingForModelGroup();
+  OutputXPJLCommandFromArray(nullptr, prtFmtTableXPJLJobMode, numFmtTableXPJLJobMode);
+  OutputXPJLCommandFromFilter(args);
+  OutputCommentBlock(ChooseCommentBlock());
+  if (PrinterDecomposesPostScript()) return;  // the spooled settings come before the switch
+  OutputXPJLCommandFromArray(nullptr, prtFmtTableEnterPS, numFmtTableEnterPS);
+}
+
+void OutputXPJLCommandLanguageEncodingForModelGroup() {
+  if (PrinterLanguageIsUTF8()) ZRfprintf(stdout, "@PJL SET STRINGCODESET=UTF8\n");
+}

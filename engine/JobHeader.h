@@ -1,0 +1,26 @@
+// The job header: what the printer receives before the PostScript, and the frame lines around it.
+
+#pragma once
+
+#include <cstdint>
+
+#include "engine/CommandTable.h"
+
+// The frame lines, each a table of one row.
+extern const PrtFmt prtFmtTableXPJLHead[];     // exit sequence
+extern const std::int32_t numFmtTableXPJLHead;
+extern const PrtFmt prtFmtTableXPJLJobMode[];  // job mode
+extern const std::int32_t numFmtTableXPJLJobMode;
+extern const PrtFmt prtFmtTableXPJLTrailer[];  // exit sequence and end of job
+extern const std::int32_t numFmtTableXPJLTrailer;
+extern const PrtFmt prtFmtTableEnterPS[];      // switch into PostScript
+extern const std::int32_t numFmtTableEnterPS;
+
+// Binds the frame lines and every module's rows. Called once, before any output.
+void InializeDescriptionTable();
+
+// Writes the whole job header to standard output. `args` is the filter's argument vector.
+void OutputXPJLCommand(char* args[]);
+
+// Tells a UTF-8 printer that the header's texts are UTF-8; writes nothing for others.
+void OutputXPJLCommandLanguageEncodingForModelGroup();

@@ -1,0 +1,111 @@
+// Whole jobs, as CUPS starts them and as the printer receives them.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/support/FilterProcess.h"
+
+namespace {
+
+const std::string kExit = "\x1b%-12345X";
+const std::string kUTF8Names = "@PJL SET STRINGCODESET=UTF8\n";
+const std::string kJobMode = "@PJL JOB MODE=PRINTER\r\n";
+const std::string kEnterPS = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
+const std::string kTrailer = kExit + "@PJL EOJ\n";
+const std::string kComment = "@PJL COMMENT PRINTJOBINFO ";
+
+FilterJob JobWith(const std::string& input) {
+  FilterJob job;
+  job.input = input;
+  return job;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(Job, WithoutAPPDIsFramedAndPassedThrough) {
+  const FilterResult result = RunFilter(JobWith("%!PS\nep\nshowpage\n%%EOF\nunfinished"));
+  EXPECT_EQ(result.output,
+            kExit + kJobMode + kEnterPS + "%!PS\nep\nshowpage\n%%EOF\n\x04" + kTrailer);
+  EXPECT_EQ(result.messages, "PAGE:1 1\n");
+  EXPECT_EQ(result.exitStatus, 0);
+}
+
+// The lines of the header that the PPD decides on.
+TEST(Job, HeaderFollowsThePPD) {
+  const std::string utf8 = "*ZLVPrinterLanguageEncoding: \"UTF-8\"\n";
+  const std::string latin1 = "*ZLVPrinterLanguageEncoding: \"ISOLatin1\"\n";
+  const std::string commentOn = "*CommentOn: \"True\"\n";
+  const std::string shortBlock = kComment + "VERSION=1.3.0\n" + kComment + "END\n";
+  const std::string longBlock = kComment + "VERSION=1.5.0\n" + kComment + "END\n";
+  const struct {
+    const char* what;
+    std::string ppd;
+    std::string header;
+  } cases[] = {
+      {"UTF-8", utf8, kExit + kUTF8Names + kJobMode + kEnterPS},
+      {"UTF-8 with comment", utf8 + commentOn,
+       kExit + kUTF8Names + kJobMode + longBlock + kEnterPS},
+      {"comment is case-sensitive", utf8 + "*CommentOn: \"true\"\n",
+       kExit + kUTF8Names + kJobMode + kEnterPS},
+      {"another encoding always has the short block", latin1,
+       kExit + kJobMode + shortBlock + kEnterPS},
+      {"another encoding, whatever CommentOn says", latin1 + commentOn,
+       kExit + kJobMode + shortBlock + kEnterPS},
+      {"no encoding, no model", commentOn, kExit + kJobMode + kEnterPS},
+      {"no encoding, unlisted model", commentOn + "*PCFileName: \"ZLVTEST.PPD\"\n",
+       kExit + kJobMode + longBlock + kEnterPS},
+      {"no encoding, unlisted model, no comment", "*PCFileName: \"ZLVTEST.PPD\"\n",
+       kExit + kJobMode + kEnterPS},
+  };
+  for (const auto& c : cases) {
+    const ScratchFolder folder;
+    FilterJob job = JobWith("");
+    job.environment["PPD"] = folder.write("test.ppd", PPDText(c.ppd));
+    EXPECT_EQ(RunFilter(job).output, c.header + "\x04" + kTrailer) << c.what;
+  }
+}
+
+TEST(Job, CountsItsPagesForCUPS) {
+  FilterJob job = JobWith("%%EndProlog\nep\n%%EndProlog\nendp\nep\nshowpage\nep ");
+  job.arguments[3] = "7";
+  const FilterResult result = RunFilter(job);
+  EXPECT_EQ(result.messages, "PAGE:1 7\nPAGE:3 7\n");  // endp counts, but is not logged
+}
+
+TEST(Job, ReadsAFileWhenGivenOne) {
+  const ScratchFolder folder;
+  FilterJob job = JobWith("not this");
+  job.arguments.push_back(folder.write("job.ps", "%!PS\r\nbp\r\n"));
+  EXPECT_EQ(RunFilter(job).output, kExit + kJobMode + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
+  job.arguments.push_back("more");
+  EXPECT_EQ(RunFilter(job).output, kExit + kJobMode + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
+}
+
+TEST(Job, WithTooFewArgumentsSaysHowItIsUsed) {
+  for (std::size_t count = 0; count < 5; count++) {
+    FilterJob job;
+    job.arguments.resize(count);
+    const FilterResult result = RunFilter(job);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.messages, "Usage: pstoxpjl job-id user title copies options [file]\n");
+    EXPECT_EQ(result.exitStatus, 1);
+  }
+}
+
+TEST(Job, SampleGoesThroughUnchanged) {
+  const std::string sample = ReadFile(SAMPLES_DIR "/handbook.ps");
+  ASSERT_GT(sample.size(), 1000u);
+  FilterJob job = JobWith(sample);
+  job.environment["PPD"] = PPD_DIR "/zelva-kontor-m20.ppd";
+  const FilterResult result = RunFilter(job);
+  EXPECT_NE(result.output.find(kEnterPS + sample + "\x04" + kTrailer), std::string::npos);
+  EXPECT_EQ(result.messages, "PAGE:1 1\nPAGE:2 1\nPAGE:3 1\nPAGE:4 1\n");
+}
+
+}  // namespace

@@ -1,0 +1,363 @@
+// The credential library, seen from both ends: the print dialog's stored form and the device.
+
+#include "secblobenc/secblobenc.h"
+
+#include <gtest/gtest.h>
+#include <openssl/core_names.h>
+#include <openssl/ec.h>
+#include <openssl/provider.h>
+#include <openssl/rand.h>
+#include <openssl/x509.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <vector>
+
+#include "secblobenc/secblobenc-internal.h"
+#include "secblobenc/secblobenc-sender.h"
+#include "tests/DeviceBlob.h"
+
+namespace {
+
+using EncodeOrDecode = decltype(&Decode_Storage);
+
+std::string FromHex(std::string_view hex) {
+  std::string bytes;
+  for (std::size_t i = 0; i < hex.size(); i += 2) {
+    bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
+  }
+  return bytes;
+}
+
+std::uint32_t Length(std::string_view text) {
+  return static_cast<std::uint32_t>(text.size());
+}
+
+// What `action` printed on standard output.
+template <typename Action>
+std::string Printed(Action action) {
+  testing::internal::CaptureStdout();
+  action();
+  return testing::internal::GetCapturedStdout();
+}
+
+// The result of a call that fills a buffer; the buffer starts with '#' everywhere.
+struct Outcome {
+  unsigned status = 0;
+  std::string buffer;
+  std::uint32_t length = 0;
+  std::string printed;
+};
+
+const std::string kKeySeed =
+    FromHex("000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
+const std::string kMessageSeed =
+    FromHex("202122232425262728292a2b2c2d2e2f303132333435363738393a3b3c3d3e3f");
+const std::string kIV = FromHex("404142434445464748494a4b4c4d4e4f");
+
+Outcome Store(EncodeOrDecode direction, std::string_view in, std::uint32_t capacity) {
+  Outcome outcome{.buffer = std::string(capacity, '#'), .length = capacity};
+  outcome.printed = Printed([&] {
+    outcome.status = direction(Bytes(in), Length(in), Bytes(kKeySeed), Length(kKeySeed),
+                               Bytes(kMessageSeed), Length(kMessageSeed), Bytes(kIV), Length(kIV),
+                               Bytes(outcome.buffer), &outcome.length);
+  });
+  return outcome;
+}
+
+Outcome Seal(unsigned mode, unsigned keyType, std::string_view plain, const std::string& keyText) {
+  Outcome outcome{.buffer = std::string(100000, '#'), .length = 7};
+  outcome.printed = Printed([&] {
+    outcome.status =
+        SecBlobEnc_KT_Encrypt(mode, keyType, Bytes(plain), Length(plain), keyText.c_str(),
+                              Length(keyText), Bytes(outcome.buffer), &outcome.length);
+  });
+  return outcome;
+}
+
+std::string PublicDER(EVP_PKEY* key) {
+  std::string der(static_cast<std::size_t>(i2d_PUBKEY(key, nullptr)), '\0');
+  unsigned char* next = Bytes(der);
+  i2d_PUBKEY(key, &next);
+  return der;
+}
+
+std::string KeyText(std::string_view der) {
+  std::string text(der.size() * 2, '\0');
+  text.resize(static_cast<std::size_t>(
+      EVP_EncodeBlock(Bytes(text), Bytes(der), static_cast<int>(der.size()))));
+  return text.insert(64, "\n");
+}
+
+std::string SHA256(std::string_view data) {
+  std::string digest(32, '\0');
+  EVP_Q_digest(nullptr, "SHA256", nullptr, data.data(), data.size(), Bytes(digest), nullptr);
+  return digest;
+}
+
+EVPPointer<EVP_PKEY> DeviceKey() {
+  return ReadPrivateKey(TEST_DATA_DIR "/demo-device-2048-private.pem");
+}
+
+std::string DeviceKeyText() {
+  return KeyText(PublicDER(DeviceKey().get()));
+}
+
+// Lends the library a random source that runs dry after `supply` bytes, OAEP's source at once.
+class ScarceRandom {
+ public:
+  explicit ScarceRandom(unsigned supply) {
+    RAND_set_DRBG_type(context_, "TEST-RAND", nullptr, nullptr, nullptr);
+    std::string entropy(supply, 'e');
+    unsigned strength = 256;
+    const OSSL_PARAM parameters[] = {
+        OSSL_PARAM_construct_octet_string(OSSL_RAND_PARAM_TEST_ENTROPY, entropy.data(), supply),
+        OSSL_PARAM_construct_uint(OSSL_RAND_PARAM_STRENGTH, &strength), OSSL_PARAM_construct_end()};
+    EVP_RAND_CTX_set_params(RAND_get0_private(context_), parameters);
+    usual_ = OSSL_LIB_CTX_set0_default(context_);
+  }
+  ~ScarceRandom() {
+    OSSL_LIB_CTX_set0_default(usual_);
+    OSSL_LIB_CTX_free(context_);
+  }
+  ScarceRandom(const ScarceRandom&) = delete;
+  ScarceRandom& operator=(const ScarceRandom&) = delete;
+
+  // Every algorithm not in use yet is missing from here on.
+  void DropAlgorithms() { EVP_set_default_properties(context_, "provider=none"); }
+
+ private:
+  OSSL_LIB_CTX* context_ = OSSL_LIB_CTX_new();
+  OSSL_LIB_CTX* usual_ = nullptr;
+};
+
+}  // namespace
+
+TEST(SecBlobEnc, HMACAgreesWithRFC4231) {
+  const struct {
+    std::string key, data, hmac;
+  } cases[] = {
+      {std::string(20, '\x0b'), "Hi There",
+       "b0344c61d8db38535ca8afceaf0bf12b881dc200c9833da726e9376c2e32cff7"},
+      {"Jefe", "what do ya want for nothing?",
+       "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843"},
+      {std::string(131, '\xaa'), "Test Using Larger Than Block-Size Key - Hash Key First",
+       "60e431591ee0b67f0d8a26aacbf5b77f8e0bc6213728c5140546040f0ee37f54"},
+  };
+  for (const auto& row : cases) {
+    std::string out(32, '\0');
+    EXPECT_EQ(SecBlobEncInternal_GenerateHMAC(Bytes(row.key), Length(row.key), Bytes(row.data),
+                                              Length(row.data), Bytes(out)),
+              0u);
+    EXPECT_EQ(out, FromHex(row.hmac)) << row.data;
+  }
+}
+
+// Made with `openssl dgst -mac HMAC` and `openssl enc -aes-256-cbc` from the seeds above.
+const std::string kStoredPlain = "open sesame 1234";
+const std::string kStored =
+    FromHex("f4c30e8bbeb42405c29decfc3152c3dfcb82dd8dac8f68328ca2a731a3cf3d9f");
+
+TEST(SecBlobEnc, StorageFormIsTheDialogs) {
+  EXPECT_EQ(Store(Encode_Storage, kStoredPlain, 32).buffer, kStored);
+  EXPECT_EQ(Store(Decode_Storage, kStored, 16).buffer, kStoredPlain);
+}
+
+TEST(SecBlobEnc, StorageOpensUpTo255BytesInto255) {
+  for (const std::size_t length : {0u, 1u, 15u, 16u, 255u}) {
+    const std::string plain(length, 'p');
+    const Outcome stored = Store(Encode_Storage, plain, 300);
+    ASSERT_EQ(stored.length, length / 16 * 16 + 16);
+    const Outcome opened =
+        Store(Decode_Storage, std::string_view(stored.buffer).substr(0, stored.length), 255);
+    EXPECT_EQ(opened.status, 0u);
+    EXPECT_EQ(opened.length, length);
+    EXPECT_EQ(opened.buffer, plain + std::string(255 - length, '#'));
+    EXPECT_EQ(stored.printed + opened.printed, "");
+  }
+}
+
+TEST(SecBlobEnc, StorageFailuresPrintTwoLinesAndWriteNothing) {
+  std::string altered = kStored;
+  altered.back() ^= 1;
+  const std::string of256 = Store(Encode_Storage, std::string(256, 'p'), 300).buffer.substr(0, 272);
+  const struct {
+    EncodeOrDecode direction;
+    std::string in;
+    std::uint32_t capacity;
+    const char* lastLine;
+  } cases[] = {
+      {Decode_Storage, of256, 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, std::string(4096, 'c'), 255,
+       "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, altered, 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, kStored.substr(0, 31), 255,
+       "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, "", 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, kStored, 15, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
+      {Encode_Storage, kStoredPlain, 31, "ERROR\\[52\\]: AES Encrypt failed\\[99\\]\\.\n"},
+      {Encode_Storage, "", 0, "ERROR\\[52\\]: AES Encrypt failed\\[99\\]\\.\n"},
+  };
+  for (const auto& row : cases) {
+    const Outcome outcome = Store(row.direction, row.in, row.capacity);
+    EXPECT_EQ(outcome.status, 99u);
+    EXPECT_TRUE(std::regex_match(
+        outcome.printed, std::regex(std::string("AES Error\\[-?[1-9][0-9]*\\]\n") + row.lastLine)))
+        << outcome.printed;
+    EXPECT_EQ(outcome.length, row.capacity);
+    EXPECT_EQ(outcome.buffer, std::string(row.capacity, '#'));
+  }
+}
+
+TEST(SecBlobEnc, DeviceOpensWhatEncodeRandomSeals) {
+  const auto key = DeviceKey();
+  ASSERT_NE(key, nullptr);
+  const std::size_t totals[][2] = {{0, 368}, {15, 368}, {16, 384}, {255, 608}, {99500, 99856}};
+  for (const auto& [length, total] : totals) {
+    const std::string plain(length, 'p');
+    std::string blob(100000, '#');
+    std::uint32_t blobLength = 7;
+    ASSERT_EQ(Encode_Random(Bytes(plain), Length(plain), Bytes(blob), &blobLength), 0u);
+    EXPECT_EQ(blobLength, total);
+    EXPECT_EQ(blob.find_first_not_of('#', blobLength), std::string::npos);
+    const auto opened = OpenBlob(blob.substr(0, blobLength), key.get());
+    ASSERT_TRUE(opened.has_value()) << length;
+    EXPECT_EQ(opened->plain, plain);
+    EXPECT_EQ(blob.substr(0, 2), "\x08\x01");
+    EXPECT_EQ(blob.substr(10, 6), std::string("\x01\0\0\0\0\0", 6));
+    EXPECT_EQ(opened->keyIdentifier, SHA256(PublicDER(key.get())));
+    EXPECT_EQ(opened->transportSecret.size(), 32u);
+  }
+}
+
+TEST(SecBlobEnc, KeyTypeOneNamesThe3072BitKey) {
+  const EVPPointer<EVP_PKEY> key(EVP_RSA_gen(3072));
+  const Outcome sealed = Seal(1, 1, "pw", KeyText(PublicDER(key.get())));
+  ASSERT_EQ(sealed.length, 80u + 384 + 16 + 16);
+  const auto opened = OpenBlob(sealed.buffer.substr(0, sealed.length), key.get());
+  ASSERT_TRUE(opened.has_value());
+  EXPECT_EQ(opened->plain, "pw");
+  EXPECT_EQ(opened->keyType, 1u);
+  std::FILE* file = std::fopen(TEST_DATA_DIR "/../../deployment/demo/device-3072.pem", "r");
+  ASSERT_NE(file, nullptr);
+  const EVPPointer<EVP_PKEY> official(PEM_read_PUBKEY(file, nullptr, nullptr, nullptr));
+  std::fclose(file);
+  EXPECT_EQ(opened->keyIdentifier, SHA256(PublicDER(official.get())));
+}
+
+TEST(SecBlobEnc, TwoSealingsShareOnlyHeaderAndKey) {
+  const auto key = DeviceKey();
+  std::optional<OpenedBlob> opened[2];
+  for (auto& one : opened) {
+    const Outcome sealed = Seal(1, 0, "pw", DeviceKeyText());
+    one = OpenBlob(sealed.buffer.substr(0, sealed.length), key.get());
+    ASSERT_TRUE(one.has_value());
+  }
+  EXPECT_NE(opened[0]->salt, opened[1]->salt);
+  EXPECT_NE(opened[0]->transportSecret, opened[1]->transportSecret);
+  EXPECT_NE(opened[0]->iv, opened[1]->iv);
+  EXPECT_NE(opened[0]->cipher, opened[1]->cipher);
+}
+
+TEST(SecBlobEnc, FailedSealingPrintsWhyAndWritesNothing) {
+  const std::string good = DeviceKeyText();
+  const EVPPointer<EVP_PKEY> curve(EVP_EC_gen("P-256"));
+  const std::string rsa =
+      "RSA Error\\[-?[1-9][0-9]*\\] .+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n";
+  const struct {
+    unsigned mode, keyType;
+    std::size_t length;
+    std::string keyText;
+    unsigned status;
+    std::string printed;
+  } cases[] = {
+      {1, 0, 99501, good, 2, "ERROR\\[88\\]: too long bufLen \\[99501\\]\\.\n"},
+      {1, 2, 99501, good, 2, "ERROR\\[88\\]: too long bufLen \\[99501\\]\\.\n"},
+      {1, 2, 8, good, 2, "ERROR\\[106\\]: invalid key type\\[2\\]\\.\n"},
+      {0, 0, 8, good, 99,
+       "AES Error\\. Unsupported AES Mode\\.ERROR\\[161\\]: AES Encrypt failed\\[2\\]\\.\n"},
+      {2, 0, 8, good, 99,
+       "AES Error\\. Unsupported AES Mode\\.ERROR\\[161\\]: AES Encrypt failed\\[2\\]\\.\n"},
+      {1, 0, 8, "no Base64 at all", 99, rsa},
+      {1, 0, 8, "Zm9vYmFy", 99, rsa},
+      {1, 0, 8, "", 99, rsa},
+      {1, 0, 8, KeyText(PublicDER(curve.get())), 99, rsa},
+  };
+  for (const auto& row : cases) {
+    const Outcome outcome = Seal(row.mode, row.keyType, std::string(row.length, 'p'), row.keyText);
+    EXPECT_EQ(outcome.status, row.status) << row.printed;
+    EXPECT_TRUE(std::regex_match(outcome.printed, std::regex(row.printed))) << outcome.printed;
+    EXPECT_EQ(outcome.buffer.find_first_not_of('#'), std::string::npos);
+    EXPECT_EQ(outcome.length, 7u);
+  }
+}
+
+TEST(SecBlobEnc, EachStepOfSealingReportsItsOwnFailure) {
+  const std::string keyText = DeviceKeyText();
+  const std::string random = "Generate Random Error\\[-?[0-9]+\\]ERROR\\[";
+  const struct {
+    unsigned mode, keyType, supply;
+    bool algorithms;
+    std::string printed;
+  } cases[] = {
+      {1, 0, 0, true, random + "114\\]: generate random failed\\[99\\]\\.\n"},
+      {1, 2, 0, true, "ERROR\\[106\\]: invalid key type\\[2\\]\\.\n"},
+      {1, 0, 32, true, random + "122\\]: generate random failed\\[99\\]\\.\n"},
+      {1, 0, 64, false, "ERROR\\[131\\]: Key Derivation HMAC failed\\[99\\]\\.\n"},
+      {1, 0, 64 + 15, true, random + "139\\]: generate random failed\\[99\\]\\.\n"},
+      {0, 0, 64 + 11, true, random + "139\\]: generate random failed\\[99\\]\\.\n"},
+      {1, 0, 64 + 16, true, "RSA Error\\[.+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n"},
+      {0, 0, 64 + 12, true, "RSA Error\\[.+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n"},
+  };
+  for (const auto& row : cases) {
+    ScarceRandom random_source(row.supply);
+    if (!row.algorithms) random_source.DropAlgorithms();
+    const Outcome outcome = Seal(row.mode, row.keyType, "pw", keyText);
+    EXPECT_TRUE(std::regex_match(outcome.printed, std::regex(row.printed))) << row.printed << "\n"
+                                                                            << outcome.printed;
+  }
+  ScarceRandom random_source(0);
+  random_source.DropAlgorithms();
+  EXPECT_EQ(Store(Encode_Storage, "pw", 32).printed,
+            "ERROR[39]: Key Derivation HMAC failed[99].\n");
+  EXPECT_EQ(Store(Decode_Storage, kStored, 32).printed,
+            "ERROR[84]: Key Derivation HMAC failed[99].\n");
+}
+
+TEST(SecBlobEnc, Base64) {
+  const struct {
+    const char* bytes;
+    const char* text;
+  } pairs[] = {
+      {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xfb\xff", "+/8="}};
+  for (const auto& [bytes, text] : pairs) {
+    char encoded[16] = "";
+    EXPECT_EQ(SecBlobEnc_Base64_Encode(Bytes(bytes), Length(bytes), encoded), Length(text));
+    EXPECT_STREQ(encoded, text);
+    std::string decoded(16, '\0');
+    EXPECT_EQ(SecBlobEnc_Base64_Decode(text, Bytes(decoded)), Length(bytes)) << text;
+    EXPECT_STREQ(decoded.c_str(), bytes);
+  }
+  std::string decoded(16, '#');
+  for (const char* bad : {"", "\n", "Zg", "Zg=", "Z===", "====", "=Zg=", "Zg==Zg==", "Zm9v=",
+                          "Zg=a", "Zm 9v", " Zm9v", "Zm9v ", "Zm9v\r\n", "Zm-_", "Zm9\xc3"}) {
+    EXPECT_EQ(SecBlobEnc_Base64_Decode(bad, Bytes(decoded)), 0) << bad;
+  }
+  EXPECT_EQ(decoded, std::string(16, '#'));
+  EXPECT_EQ(SecBlobEnc_Base64_Decode("\nZm\n9vYg=\n=\n", Bytes(decoded)), 4);
+  EXPECT_EQ(decoded.substr(0, 5), "foob#");
+  char text[200] = "";
+  EXPECT_EQ(SecBlobEnc_Base64_Encode(Bytes(decoded), 0, text), 0);
+  EXPECT_EQ(SecBlobEnc_Base64_Encode(Bytes(std::string_view(DeviceKeyText())), 99, text), 132);
+  EXPECT_EQ(std::string_view(text).find('\n'), std::string_view::npos);
+}
+
+TEST(SecBlobEnc, OutputDataWritesAFileOrSaysThatItCannot) {
+  const std::string path = testing::TempDir() + "/secblobenc-output";
+  EXPECT_EQ(Printed([&] { outputData(Bytes("a\r\n\0b"), 4, path.c_str()); }), "");
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), std::string("a\r\n\0b", 4));
+  EXPECT_EQ(Printed([] { outputData(nullptr, 0, "/no/such/folder/file"); }), "cannot open file");
+  std::remove(path.c_str());
+}

@@ -1,0 +1,157 @@
+#include "tests/support/FilterProcess.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+struct Pipe {
+  Pipe() {
+    if (pipe(ends) != 0) std::abort();
+    for (int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+  }
+  int ends[2];
+};
+
+// The NULL-terminated pointer list that exec wants.
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// Appends what can be read now; false at the end.
+bool ReadSome(int fd, std::string& bytes) {
+  char block[65536];
+  const ssize_t count = read(fd, block, sizeof block);
+  if (count > 0) bytes.append(block, static_cast<std::size_t>(count));
+  return count > 0;
+}
+
+void Close(int& fd) {
+  if (fd >= 0) close(fd);
+  fd = -1;
+}
+
+}  // namespace
+
+FilterProcess::FilterProcess(const FilterJob& job) {
+  std::signal(SIGPIPE, SIG_IGN);
+  Pipe input, output, messages;
+  std::vector<std::string> arguments = job.arguments;
+  arguments.insert(arguments.begin(), "pstoxpjl");
+  std::vector<std::string> environment = {"PATH=/usr/bin:/bin"};
+  for (const auto& [name, value] : job.environment) environment.push_back(name + "=" + value);
+  const std::vector<char*> argv = Pointers(arguments);
+  const std::vector<char*> envp = Pointers(environment);
+
+  pid_ = fork();
+  if (pid_ == 0) {
+    std::signal(SIGPIPE, SIG_DFL);
+    dup2(input.ends[0], STDIN_FILENO);
+    dup2(output.ends[1], STDOUT_FILENO);
+    dup2(messages.ends[1], STDERR_FILENO);
+    execve(FILTER_BINARY, argv.data(), envp.data());
+    _exit(127);
+  }
+  close(input.ends[0]);
+  close(output.ends[1]);
+  close(messages.ends[1]);
+  input_ = input.ends[1];
+  output_ = output.ends[0];
+  messages_ = messages.ends[0];
+}
+
+FilterProcess::~FilterProcess() {
+  Close(input_);
+  Close(output_);
+  Close(messages_);
+  if (pid_ > 0) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+  }
+}
+
+void FilterProcess::write(const std::string& bytes) const {
+  for (std::size_t sent = 0; sent < bytes.size();) {
+    const ssize_t count = ::write(input_, bytes.data() + sent, bytes.size() - sent);
+    if (count <= 0) return;
+    sent += static_cast<std::size_t>(count);
+  }
+}
+
+void FilterProcess::closeInput() { Close(input_); }
+
+void FilterProcess::closeOutput() { Close(output_); }
+
+std::string FilterProcess::readUntil(const std::string& end) {
+  constexpr int kPatience = 10'000;  // milliseconds
+  while (!outputSoFar_.ends_with(end)) {
+    pollfd ready = {output_, POLLIN, 0};
+    if (poll(&ready, 1, kPatience) != 1 || !ReadSome(output_, outputSoFar_)) break;
+  }
+  return outputSoFar_;
+}
+
+FilterResult FilterProcess::finish() {
+  closeInput();
+  return drain();
+}
+
+FilterResult FilterProcess::drain() {
+  FilterResult result;
+  std::thread messageReader([&] {
+    while (ReadSome(messages_, result.messages)) {
+    }
+  });
+  while (output_ >= 0 && ReadSome(output_, outputSoFar_)) {
+  }
+  messageReader.join();
+  int status = 0;
+  waitpid(pid_, &status, 0);
+  pid_ = -1;
+  result.output = outputSoFar_;
+  if (WIFEXITED(status)) result.exitStatus = WEXITSTATUS(status);
+  return result;
+}
+
+FilterResult RunFilter(const FilterJob& job) {
+  FilterProcess process(job);
+  std::thread writer([&] {
+    process.write(job.input);
+    process.closeInput();
+  });
+  FilterResult result = process.drain();
+  writer.join();
+  return result;
+}
+
+ScratchFolder::ScratchFolder() {
+  std::string pattern = std::filesystem::temp_directory_path() / "pstoxpjl-test-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) std::abort();
+  path_ = pattern;
+}
+
+ScratchFolder::~ScratchFolder() { std::filesystem::remove_all(path_); }
+
+std::string ScratchFolder::write(const std::string& name, const std::string& content) const {
+  const std::string path = path_ + "/" + name;
+  std::ofstream(path, std::ios::binary) << content;
+  return path;
+}
+
+std::string PPDText(const std::string& lines) {
+  return "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n"
+         "*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n"
+         "*Manufacturer: \"Zelva\"\n*ModelName: \"Zelva Test\"\n*NickName: \"Zelva Test\"\n" +
+         lines;
+}

@@ -5,17 +5,18 @@
 //                    table of its own, prtFmtTable<Name> with numFmtTable<Name> = 1
 //   ROWS_COUNT       the number of rows the device's manual lists
 //   ROWS_BIND_VALUES name of the function to define that binds each row's value list
-//   ROWS_BIND_TESTS  name of the function to define that binds each row's condition
+//   ROWS_BIND_TESTS  the same for each row's condition; a file of ROW_SAME needs neither
 //
 // A row is
 //
 //   ROW(Name, "format", VALUES(...), TESTS(...))     VALUES() and TESTS() may be empty
-//   ROW_LIKE(Name, Suffix, TESTS(...))               format and values of row Name, which stands
-//                                                    in a file expanded before; other tests
+//   ROW_LIKE(Name, Suffix, TESTS(...))               format and values of row Name; other tests
+//   ROW_SAME(Name)                                   row Name as it stands
 //
-// and defines prtfmtStr<Name>, cmdParaList<Name>, symPara<Name>, comparationItem<Name> and
-// comparation<Name> (a ROW_LIKE the last two, under <Name><Suffix>). A value that does not fit its
-// control symbol, a missing one and a test on the wrong type do not compile.
+// where the last two take a row from a file that was expanded before. A row defines
+// prtfmtStr<Name>, cmdParaList<Name>, symPara<Name>, comparationItem<Name> and comparation<Name> (a
+// ROW_LIKE the last two, under <Name><Suffix>). A value that does not fit its control symbol, a
+// missing one and a test on the wrong type do not compile.
 
 #include <cstdint>
 #include <iterator>
@@ -45,6 +46,7 @@
   SymPara symPara##name;                                                                  \
   ROWS_TESTS(name, tests)
 #define ROW_LIKE(name, suffix, tests) ROWS_TESTS(name##suffix, tests)
+#define ROW_SAME(name)
 namespace {
 #include ROWS_FILE
 }  // namespace
@@ -59,11 +61,15 @@ namespace {
 #ifdef ROWS_TABLE
 #define ROW(name, format, values, tests) ROWS_ENTRY(name, name),
 #define ROW_LIKE(name, suffix, tests) ROWS_ENTRY(name, name##suffix),
+#undef ROW_SAME
+#define ROW_SAME(name) ROWS_ENTRY(name, name),
 const PrtFmt ROWS_TABLE[] = {
 #include ROWS_FILE
 };
 static_assert(std::size(ROWS_TABLE) == ROWS_COUNT);
 #undef ROW_LIKE
+#undef ROW_SAME
+#define ROW_SAME(name)
 #else
 #define ROW(name, format, values, tests)                       \
   const PrtFmt prtFmtTable##name[] = {ROWS_ENTRY(name, name)}; \
@@ -72,6 +78,7 @@ static_assert(std::size(ROWS_TABLE) == ROWS_COUNT);
 #endif
 #undef ROW
 
+#ifdef ROWS_BIND_VALUES
 // Bind the descriptions.
 #define ROW(name, format, values, tests)                                  \
   InitializeCmdParaTable(&symPara##name, ROWS_LENGTH(cmdParaList##name), \
@@ -94,8 +101,10 @@ void ROWS_BIND_TESTS() {
 }
 #undef ROW
 #undef ROW_LIKE
-
 #undef ROWS_BIND
+#endif
+#undef ROW_SAME
+
 #undef ROWS_ENTRY
 #undef ROWS_UNLESS_EMPTY
 #undef ROWS_FIRST

@@ -2,10 +2,23 @@
 
 #include "engine/ModuleDispatch.h"
 
-int GetTicketFromPDE(char* /*args*/[]) { return 1; }
+#include "modules/accounting/Accounting.h"
+#include "modules/printtype/PrintType.h"
 
-void InializeDescriptionTableFromFilter() {}
+int GetTicketFromPDE(char* args[]) {
+  PrintTypeGetTicketFromPDE(args);
+  JBAGetTicketFromPDE(args);
+  return 1;
+}
 
-void OutputXPJLCommandFromFilter(char* /*args*/[]) {}
+void InializeDescriptionTableFromFilter() {
+  PrintTypeInializeDescriptionTableFromFilter();
+  JBAInializeDescriptionTableFromFilter();
+}
+
+void OutputXPJLCommandFromFilter(char* args[]) {
+  PrintTypeOutputXPJLCommandFromFilter(args);
+  JBAOutputXPJLCommandFromFilter(args);
+}
 
 void OutputPSCommandFromFilter(int /*hookCode*/, int /*context*/, std::FILE* /*stream*/) {}

@@ -70,9 +70,11 @@ constexpr TicketData Ticket(const char* key, float& field, TicketGetter* getter)
   return {key, &field, sizeof field, getter};
 }
 template <std::size_t Size>
-constexpr TicketData Ticket(const char* key, char (&field)[Size], TicketGetter* getter) {
+constexpr TicketData Ticket(const char* key, char (&field)[Size], TicketGetter* getter,
+                            std::size_t used = Size) {
+  if (used > Size) throw "the field is smaller";
   if (getter == GetTicketInteger || getter == CheckTicketKey || getter == GetTicketFloat) {
     throw "not a getter of texts";
   }
-  return {key, field, static_cast<std::int32_t>(Size), getter};
+  return {key, field, static_cast<std::int32_t>(used), getter};
 }

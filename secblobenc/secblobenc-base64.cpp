@@ -26,7 +26,7 @@ std::size_t PaddingLength(std::string_view text) {
 }
 
 bool WellFormed(std::string_view text) {
-  if (text.empty() || text.size() % 4 != 0 || text.size() > kLargestBlock) return false;
+  if (text.size() % 4 != 0 || text.size() > kLargestBlock) return false;
   const std::size_t padding = PaddingLength(text);
   if (padding > kMostPadding) return false;
   text.remove_suffix(padding);

@@ -1,6 +1,7 @@
 // Whole jobs, as CUPS starts them and as the printer receives them.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <iterator>
@@ -12,7 +13,18 @@ namespace {
 
 const std::string kExit = "\x1b%-12345X";
 const std::string kUTF8Names = "@PJL SET STRINGCODESET=UTF8\n";
-const std::string kJobMode = "@PJL JOB MODE=PRINTER\r\n";
+// The accounting lines of a job without tickets.
+const std::string kIdentity = [] {
+  char host[97] = {};
+  gethostname(host, sizeof host - 1);
+  const auto attribute = [](const std::string& text) {
+    return "@PJL SET JOBATTR=\"" + text + "\"";
+  };
+  return attribute("@CNAM=" + std::string(host).substr(0, 32)) + "\n" +
+         attribute("@LUNA=user") + "\n" + attribute("@NLPP=1") + "\n" +
+         attribute("@JOAU=user") + "\r\n" + attribute("@ACNA=title") + "\r\n";
+}();
+const std::string kJobMode = "@PJL JOB MODE=PRINTER\r\n" + kIdentity;
 const std::string kEnterPS = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
 const std::string kTrailer = kExit + "@PJL EOJ\n";
 const std::string kComment = "@PJL COMMENT PRINTJOBINFO ";

@@ -11,7 +11,7 @@
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/SystemVersion.h"
-#include "tests/support/FilterProcess.h"
+#include "tests/support/Tickets.h"
 
 namespace {
 
@@ -73,21 +73,8 @@ TEST(SystemVersion, AnswersSelectorsAndReportsUnknownOnes) {
 #endif
 }
 
-class PPDAccess : public testing::Test {
- protected:
-  void use(const std::string& lines) {
-    CloseJobPPD();
-    setenv("PPD", folder_.write("test.ppd", PPDText(lines)).c_str(), 1);
-  }
-  void TearDown() override {
-    unsetenv("PPD");
-    CloseJobPPD();
-  }
-  ScratchFolder folder_;
-};
-
-TEST_F(PPDAccess, FindsTheFirstAttributeThatBeginsWithTheName) {
-  use("*ZLVPSDecompModeExtra: \"1\"\n*ZLVPSDecompMode: \"0\"\n*ColorDevice: True\n"
+TEST(PPDAccess, FindsTheFirstAttributeThatBeginsWithTheName) {
+  const UsedPPD ppd("*ZLVPSDecompModeExtra: \"1\"\n*ZLVPSDecompMode: \"0\"\n*ColorDevice: True\n"
       "*ZLVPrinterLanguageEncoding: \"UTF-8\"\n*ZLVXPrintTypeSettings: \"Default03,Default04\"\n");
   EXPECT_STREQ(JobPPDValue("ZLVPSDecompMode"), "1");
   EXPECT_TRUE(PrinterDecomposesPostScript());
@@ -98,19 +85,25 @@ TEST_F(PPDAccess, FindsTheFirstAttributeThatBeginsWithTheName) {
   EXPECT_EQ(CheckIfPPDKeywordSupported(JobPPD(), "ZLVXPrintTypeSettings", "Default05"), 0);
   EXPECT_EQ(CheckIfPPDKeywordSupported(JobPPD(), "ZLVNothing", ""), 0);
   EXPECT_EQ(GetCFStringSimEncodingFromPPD(JobPPD()), kTextEncodingUTF8);
-  use("*ZLVPSDecompMode: \"11\"\n*ZLVPrinterLanguageEncoding: \"utf-8\"\n");
+}
+
+TEST(PPDAccess, ComparesValuesWhole) {
+  const UsedPPD ppd("*ZLVPSDecompMode: \"11\"\n*ZLVPrinterLanguageEncoding: \"utf-8\"\n");
   EXPECT_FALSE(PrinterDecomposesPostScript());
   EXPECT_FALSE(PrinterLanguageIsUTF8());
 }
 
-TEST_F(PPDAccess, APPDThatCannotBeReadHasNoAttributes) {
+TEST(PPDAccess, APPDThatCannotBeReadHasNoAttributes) {
+  const ScratchFolder folder;
   for (const std::string& path :
-       {std::string("/nonexistent.ppd"), folder_.path(), folder_.write("rubbish", "\x01\x02\xFF")}) {
+       {std::string("/nonexistent.ppd"), folder.path(), folder.write("rubbish", "\x01\x02\xFF")}) {
     CloseJobPPD();
     setenv("PPD", path.c_str(), 1);
     EXPECT_EQ(JobPPD(), nullptr) << path;
     EXPECT_FALSE(PrinterLanguageIsUTF8());
   }
+  unsetenv("PPD");
+  CloseJobPPD();
   EXPECT_EQ(ppdFindAttr_ALT(nullptr, "ZLV", nullptr), nullptr);
   EXPECT_EQ(GetCFStringSimEncodingFromPPD(nullptr), kTextEncodingUTF8);
 }

@@ -7,10 +7,8 @@
 #include <cmath>
 #include <string>
 
-#include "DeploymentData.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
-#include "secblobenc/secblobenc.h"
-#include "tests/DeviceBlob.h"
+#include "tests/support/Password.h"
 
 namespace {
 
@@ -148,32 +146,13 @@ TEST(TicketStore, GivesPagesPerSheet) {
             "N12345678");
 }
 
-std::string Base64(const std::string& bytes) {
-  std::string text((bytes.size() + 2) / 3 * 4, '\0');
-  SecBlobEnc_Base64_Encode(Bytes(bytes), static_cast<std::uint32_t>(bytes.size()), text.data());
-  return text;
-}
-
-// The form in which the print dialog stores a password.
-std::string Stored(const std::string& password) {
-  std::string cipher(password.size() + 16, '\0');
-  auto length = static_cast<std::uint32_t>(cipher.size());
-  EXPECT_EQ(Encode_Storage(Bytes(password), static_cast<std::uint32_t>(password.size()), seed1,
-                           sizeof seed1, seed2, sizeof seed2, seed3, sizeof seed3, Bytes(cipher),
-                           &length), 0u);
-  return Base64(cipher.substr(0, length));
-}
-
 TEST(TicketStore, SealsStoredPasswordsForTheDevice) {
-  const auto key = ReadPrivateKey(TEST_DATA_DIR "/demo-device-2048-private.pem");
   for (const std::string& password :
        {std::string("secret"), std::string(), std::string(255, 'p'), std::string("\u00E9\u20AC")}) {
     const auto [result, text] =
         Get(GetTicketPasswordStringConvertedToEncryption, "key=" + Stored(password));
     EXPECT_EQ(result, 1);
-    std::string blob(text.size(), '\0');
-    blob.resize(static_cast<std::size_t>(SecBlobEnc_Base64_Decode(text.c_str(), Bytes(blob))));
-    EXPECT_EQ(PasswordInBlob(blob, key.get()), password);
+    EXPECT_EQ(Opened(text), password);
   }
 }
 

@@ -4,19 +4,17 @@
 
 #include <gtest/gtest.h>
 #include <openssl/core_names.h>
-#include <openssl/ec.h>
-#include <openssl/provider.h>
 #include <openssl/rand.h>
 #include <openssl/x509.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
-#include <regex>
-#include <vector>
 
 #include "secblobenc/secblobenc-internal.h"
 #include "secblobenc/secblobenc-sender.h"
-#include "tests/DeviceBlob.h"
+#include "tests/support/DeviceBlob.h"
 
 namespace {
 
@@ -42,6 +40,23 @@ std::string Printed(Action action) {
   return testing::internal::GetCapturedStdout();
 }
 
+// The same with N for the cryptography library's own error number, which must not be 0, and "why"
+// for its own words.
+template <typename Action>
+std::string PrintedWithoutNumber(Action action) {
+  std::string text = Printed(action);
+  const std::size_t start = text.find(" Error[");
+  if (start == std::string::npos) return text;
+  const std::size_t at = start + std::strlen(" Error[");
+  char* end = nullptr;
+  if (std::strtol(text.c_str() + at, &end, 10) != 0) {
+    text.replace(at, static_cast<std::size_t>(end - text.c_str()) - at, "N");
+  }
+  const std::size_t why = text.find("error:");
+  if (why != std::string::npos) text.replace(why, text.find("ERROR[") - why, "why");
+  return text;
+}
+
 // The result of a call that fills a buffer; the buffer starts with '#' everywhere.
 struct Outcome {
   unsigned status = 0;
@@ -57,8 +72,8 @@ const std::string kMessageSeed =
 const std::string kIV = FromHex("404142434445464748494a4b4c4d4e4f");
 
 Outcome Store(EncodeOrDecode direction, std::string_view in, std::uint32_t capacity) {
-  Outcome outcome{.buffer = std::string(capacity, '#'), .length = capacity};
-  outcome.printed = Printed([&] {
+  Outcome outcome{0, std::string(capacity, '#'), capacity, ""};
+  outcome.printed = PrintedWithoutNumber([&] {
     outcome.status = direction(Bytes(in), Length(in), Bytes(kKeySeed), Length(kKeySeed),
                                Bytes(kMessageSeed), Length(kMessageSeed), Bytes(kIV), Length(kIV),
                                Bytes(outcome.buffer), &outcome.length);
@@ -67,8 +82,8 @@ Outcome Store(EncodeOrDecode direction, std::string_view in, std::uint32_t capac
 }
 
 Outcome Seal(unsigned mode, unsigned keyType, std::string_view plain, const std::string& keyText) {
-  Outcome outcome{.buffer = std::string(100000, '#'), .length = 7};
-  outcome.printed = Printed([&] {
+  Outcome outcome{0, std::string(100000, '#'), 7, ""};
+  outcome.printed = PrintedWithoutNumber([&] {
     outcome.status =
         SecBlobEnc_KT_Encrypt(mode, keyType, Bytes(plain), Length(plain), keyText.c_str(),
                               Length(keyText), Bytes(outcome.buffer), &outcome.length);
@@ -186,25 +201,18 @@ TEST(SecBlobEnc, StorageFailuresPrintTwoLinesAndWriteNothing) {
     EncodeOrDecode direction;
     std::string in;
     std::uint32_t capacity;
-    const char* lastLine;
   } cases[] = {
-      {Decode_Storage, of256, 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Decode_Storage, std::string(4096, 'c'), 255,
-       "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Decode_Storage, altered, 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Decode_Storage, kStored.substr(0, 31), 255,
-       "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Decode_Storage, "", 255, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Decode_Storage, kStored, 15, "ERROR\\[97\\]: AES Decrypt failed\\[99\\]\\.\n"},
-      {Encode_Storage, kStoredPlain, 31, "ERROR\\[52\\]: AES Encrypt failed\\[99\\]\\.\n"},
-      {Encode_Storage, "", 0, "ERROR\\[52\\]: AES Encrypt failed\\[99\\]\\.\n"},
+      {Decode_Storage, of256, 255},       {Decode_Storage, std::string(4096, 'c'), 255},
+      {Decode_Storage, altered, 255},     {Decode_Storage, kStored.substr(0, 31), 255},
+      {Decode_Storage, "", 255},          {Decode_Storage, kStored, 15},
+      {Encode_Storage, kStoredPlain, 31}, {Encode_Storage, "", 0},
   };
   for (const auto& row : cases) {
     const Outcome outcome = Store(row.direction, row.in, row.capacity);
     EXPECT_EQ(outcome.status, 99u);
-    EXPECT_TRUE(std::regex_match(
-        outcome.printed, std::regex(std::string("AES Error\\[-?[1-9][0-9]*\\]\n") + row.lastLine)))
-        << outcome.printed;
+    EXPECT_EQ(outcome.printed, row.direction == &Decode_Storage
+                                   ? "AES Error[N]\nERROR[97]: AES Decrypt failed[99].\n"
+                                   : "AES Error[N]\nERROR[52]: AES Encrypt failed[99].\n");
     EXPECT_EQ(outcome.length, row.capacity);
     EXPECT_EQ(outcome.buffer, std::string(row.capacity, '#'));
   }
@@ -224,8 +232,11 @@ TEST(SecBlobEnc, DeviceOpensWhatEncodeRandomSeals) {
     const auto opened = OpenBlob(blob.substr(0, blobLength), key.get());
     ASSERT_TRUE(opened.has_value()) << length;
     EXPECT_EQ(opened->plain, plain);
-    EXPECT_EQ(blob.substr(0, 2), "\x08\x01");
-    EXPECT_EQ(blob.substr(10, 6), std::string("\x01\0\0\0\0\0", 6));
+    EXPECT_EQ(opened->format, 8u);
+    EXPECT_EQ(opened->version, 1u);
+    EXPECT_EQ(opened->mode, 1u);
+    EXPECT_EQ(opened->keyType, 0u);
+    EXPECT_EQ(opened->reserved, 0u);
     EXPECT_EQ(opened->keyIdentifier, SHA256(PublicDER(key.get())));
     EXPECT_EQ(opened->transportSecret.size(), 32u);
   }
@@ -262,9 +273,7 @@ TEST(SecBlobEnc, TwoSealingsShareOnlyHeaderAndKey) {
 
 TEST(SecBlobEnc, FailedSealingPrintsWhyAndWritesNothing) {
   const std::string good = DeviceKeyText();
-  const EVPPointer<EVP_PKEY> curve(EVP_EC_gen("P-256"));
-  const std::string rsa =
-      "RSA Error\\[-?[1-9][0-9]*\\] .+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n";
+  const std::string rsa = "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n";
   const struct {
     unsigned mode, keyType;
     std::size_t length;
@@ -272,50 +281,78 @@ TEST(SecBlobEnc, FailedSealingPrintsWhyAndWritesNothing) {
     unsigned status;
     std::string printed;
   } cases[] = {
-      {1, 0, 99501, good, 2, "ERROR\\[88\\]: too long bufLen \\[99501\\]\\.\n"},
-      {1, 2, 99501, good, 2, "ERROR\\[88\\]: too long bufLen \\[99501\\]\\.\n"},
-      {1, 2, 8, good, 2, "ERROR\\[106\\]: invalid key type\\[2\\]\\.\n"},
-      {0, 0, 8, good, 99,
-       "AES Error\\. Unsupported AES Mode\\.ERROR\\[161\\]: AES Encrypt failed\\[2\\]\\.\n"},
-      {2, 0, 8, good, 99,
-       "AES Error\\. Unsupported AES Mode\\.ERROR\\[161\\]: AES Encrypt failed\\[2\\]\\.\n"},
+      {1, 0, 99501, good, 2, "ERROR[88]: too long bufLen [99501].\n"},
+      {1, 2, 99501, good, 2, "ERROR[88]: too long bufLen [99501].\n"},
+      {1, 2, 8, good, 2, "ERROR[106]: invalid key type[2].\n"},
+      {0, 0, 8, good, 99, "AES Error. Unsupported AES Mode.ERROR[161]: AES Encrypt failed[2].\n"},
+      {2, 0, 8, good, 99, "AES Error. Unsupported AES Mode.ERROR[161]: AES Encrypt failed[2].\n"},
       {1, 0, 8, "no Base64 at all", 99, rsa},
       {1, 0, 8, "Zm9vYmFy", 99, rsa},
-      {1, 0, 8, "", 99, rsa},
-      {1, 0, 8, KeyText(PublicDER(curve.get())), 99, rsa},
   };
   for (const auto& row : cases) {
     const Outcome outcome = Seal(row.mode, row.keyType, std::string(row.length, 'p'), row.keyText);
     EXPECT_EQ(outcome.status, row.status) << row.printed;
-    EXPECT_TRUE(std::regex_match(outcome.printed, std::regex(row.printed))) << outcome.printed;
+    EXPECT_EQ(outcome.printed, row.printed);
     EXPECT_EQ(outcome.buffer.find_first_not_of('#'), std::string::npos);
     EXPECT_EQ(outcome.length, 7u);
   }
 }
 
+TEST(SecBlobEnc, PrimitivesRefuseKeysAndBuffersThatDoNotFit) {
+  const EVPPointer<EVP_PKEY> curve(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
+  std::string out(512, '#');
+  std::uint32_t length = 7;
+  const struct {
+    std::string keyText;
+    std::uint32_t capacity;
+    const char* printed;
+  } cases[] = {
+      {DeviceKeyText(), 255,
+       "RSA Error[50331803] error:0300009B:digital envelope routines::"
+       "buffer too small"},
+      {KeyText(PublicDER(curve.get())), 512,
+       "RSA Error[50331775] error:0300007F:digital envelope routines::expecting an rsa key"},
+      {"", 512, "RSA Error[50331762] error:03000072:digital envelope routines::decode error"},
+  };
+  for (const auto& row : cases) {
+    const std::string printed = Printed([&] {
+      EXPECT_EQ(SecBlobEncInternal_RSAEncrypt(row.keyText.c_str(), Length(row.keyText), Bytes("pw"),
+                                              2, row.capacity, Bytes(out), &length),
+                99u);
+    });
+    EXPECT_EQ(printed, row.printed);
+  }
+  EXPECT_EQ(Printed([&] {
+              SecBlobEncInternal_AESEncrypt(1, Bytes(kKeySeed), 16, Bytes(kIV), 16, Bytes("pw"), 2,
+                                            512, Bytes(out), &length, nullptr, 0);
+            }),
+            "AES Error[50331778]\n");
+  EXPECT_EQ(out, std::string(512, '#'));
+  EXPECT_EQ(length, 7u);
+}
+
 TEST(SecBlobEnc, EachStepOfSealingReportsItsOwnFailure) {
   const std::string keyText = DeviceKeyText();
-  const std::string random = "Generate Random Error\\[-?[0-9]+\\]ERROR\\[";
+  const std::string random = "Generate Random Error[N]ERROR[";
   const struct {
     unsigned mode, keyType, supply;
     bool algorithms;
     std::string printed;
   } cases[] = {
-      {1, 0, 0, true, random + "114\\]: generate random failed\\[99\\]\\.\n"},
-      {1, 2, 0, true, "ERROR\\[106\\]: invalid key type\\[2\\]\\.\n"},
-      {1, 0, 32, true, random + "122\\]: generate random failed\\[99\\]\\.\n"},
-      {1, 0, 64, false, "ERROR\\[131\\]: Key Derivation HMAC failed\\[99\\]\\.\n"},
-      {1, 0, 64 + 15, true, random + "139\\]: generate random failed\\[99\\]\\.\n"},
-      {0, 0, 64 + 11, true, random + "139\\]: generate random failed\\[99\\]\\.\n"},
-      {1, 0, 64 + 16, true, "RSA Error\\[.+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n"},
-      {0, 0, 64 + 12, true, "RSA Error\\[.+ERROR\\[150\\]: RSA Encrypt failed\\[99\\]\\.\n"},
+      {1, 0, 0, true, random + "114]: generate random failed[99].\n"},
+      {1, 2, 0, true, "ERROR[106]: invalid key type[2].\n"},
+      {1, 0, 32, true, random + "122]: generate random failed[99].\n"},
+      {1, 0, 64, false, "ERROR[131]: Key Derivation HMAC failed[99].\n"},
+      {1, 0, 64 + 15, true, random + "139]: generate random failed[99].\n"},
+      {0, 0, 64 + 11, true, random + "139]: generate random failed[99].\n"},
+      {1, 0, 64 + 16, true, "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n"},
+      {0, 0, 64 + 12, true, "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n"},
   };
   for (const auto& row : cases) {
     ScarceRandom random_source(row.supply);
     if (!row.algorithms) random_source.DropAlgorithms();
     const Outcome outcome = Seal(row.mode, row.keyType, "pw", keyText);
-    EXPECT_TRUE(std::regex_match(outcome.printed, std::regex(row.printed))) << row.printed << "\n"
-                                                                            << outcome.printed;
+    EXPECT_EQ(outcome.printed, row.printed);
   }
   ScarceRandom random_source(0);
   random_source.DropAlgorithms();

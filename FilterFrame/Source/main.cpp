@@ -11,12 +11,14 @@
 #include "FilterFrame/Source/JobCopy.h"
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/PostScriptStream.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
 #include "text/BoundedText.h"
 #include "text/Encoding.h"
+#include "text/NameNormalisation.h"
 
 namespace {
 
@@ -53,13 +55,17 @@ void ReadUserName(const char* user, bool utf8) {
 }
 
 // A title with a line end would break the header's lines; such a job has no name.
-void ReadDocumentName(const char* title, bool utf8) {
+void ReadDocumentName(char* argv[], bool utf8) {
+  const char* title = argv[3];
   if (std::strpbrk(title, "\r\n") != nullptr) return;
   if (utf8) {
     ConvertUTF8ToEncodingForUTF8(title, StdDocumentName, kNameSize);
     ConvertUTF8ToEncodingForUTF8(title, PTStdDocumentName, kNameSize);
+    InvalidateStdDocumentNameForProductType(argv);
+    InvalidatePrintTypeDocumentNameForProductType(argv);
   } else {
     ConvertUTF8ToEncoding(title, StdDocumentName, kNameSize);
+    InvalidateStdDocumentNameForProductType(argv);
   }
 }
 
@@ -97,10 +103,12 @@ int main(int argc, char* argv[]) {
   ReadUserName(argv[2], utf8);
   InstallHandler(SIGTERM, SignalHandler);
   InstallHandler(SIGPIPE, SignalPipeHandler);
-  ReadDocumentName(argv[3], utf8);
+  InvalidateStdUserName();
+  ReadDocumentName(argv, utf8);
 
   InializeDescriptionTable();
   OpenJobCopy();
+  getHostName(HostNameStr);
   std::setvbuf(stderr, nullptr, _IONBF, 0);
 
   GetTicketFromPDE(argv);

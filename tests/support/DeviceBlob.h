@@ -90,33 +90,28 @@ inline std::optional<std::string> DecryptCBC(std::string_view key, std::string_v
 // Nothing if the blob's lengths do not add up or a layer does not open; the header's values and the
 // key identifier are for the caller to judge.
 inline std::optional<OpenedBlob> OpenBlob(std::string_view blob, EVP_PKEY* key) {
-  std::size_t next = 0;
-  const auto take = [&](std::size_t count) {
-    const std::string_view field = blob.substr(next, count);
-    next += count;
-    return std::string(field);
-  };
   const auto number = [&](std::size_t at) {
     std::uint32_t value = 0;
     for (std::size_t i = 4; i-- > 0;) value = value << 8 | Bytes(blob)[at + i];
     return value;
   };
-  const auto wrappedLength = static_cast<std::size_t>(EVP_PKEY_get_size(key));
-  if (blob.size() < 80 + wrappedLength + 16) return std::nullopt;
-  if (number(6) != blob.size() || number(2) != blob.size() - 80 - wrappedLength - 16) {
+  const auto wrapped = static_cast<std::size_t>(EVP_PKEY_get_size(key));
+  const std::size_t cipherAt = 80 + wrapped + 16;
+  if (blob.size() < cipherAt || number(6) != blob.size() || number(2) != blob.size() - cipherAt) {
     return std::nullopt;
   }
-  OpenedBlob opened{.format = Bytes(blob)[0],
-                    .version = Bytes(blob)[1],
-                    .mode = Bytes(blob)[10],
-                    .keyType = Bytes(blob)[11],
-                    .reserved = number(12)};
-  take(16);
-  opened.keyIdentifier = take(32);
-  opened.salt = take(32);
-  const auto secret = DecryptOAEP(key, take(wrappedLength));
-  opened.iv = take(16);
-  opened.cipher = take(number(2));
+  OpenedBlob opened;
+  opened.format = Bytes(blob)[0];
+  opened.version = Bytes(blob)[1];
+  opened.mode = Bytes(blob)[10];
+  opened.keyType = Bytes(blob)[11];
+  opened.reserved = number(12);
+  opened.keyIdentifier = blob.substr(16, 32);
+  opened.salt = blob.substr(48, 32);
+  opened.iv = blob.substr(80 + wrapped, 16);
+  opened.cipher = blob.substr(cipherAt);
+
+  const auto secret = DecryptOAEP(key, blob.substr(80, wrapped));
   if (!secret) return std::nullopt;
   opened.transportSecret = *secret;
   std::string aesKey(32, '\0');

@@ -1,0 +1,193 @@
+// Names as the device shows and accounts by them, and the sending computer's name and address.
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "FilterFrame/Source/JobState.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
+#include "tests/support/Tickets.h"
+#include "text/BoundedText.h"
+#include "text/NameNormalisation.h"
+
+namespace {
+
+std::string Repeat(const std::string& text, std::size_t count) {
+  std::string repeated;
+  while (count-- > 0) repeated += text;
+  return repeated;
+}
+
+TEST(Names, UserNamesAreCutOrReplaced) {
+  const std::string e = "\u00E9", kanji = "\u6F22", unknown = "UnknownUser";
+  const struct {
+    const char* ppd;
+    std::string name, user, accounting;
+  } cases[] = {
+      {kLatin1PPD, "sam", "sam", "sam"},
+      {kLatin1PPD, "", unknown, ""},
+      {kLatin1PPD, "   ", unknown, "   "},
+      {kLatin1PPD, "a\tb", unknown, "a\tb"},
+      {kLatin1PPD, "Ren\xE9", unknown, "Ren\xE9"},
+      {kLatin1PPD, "\x81\x40\x81\x40", unknown, "\x81\x40\x81\x40"},
+      {kLatin1PPD, Repeat("x", 254), Repeat("x", 254), Repeat("x", 32)},
+      {kUTF8PPD, "sam", "sam", "sam"},
+      {kUTF8PPD, "", unknown, unknown},
+      {kUTF8PPD, "  ", unknown, unknown},
+      {kUTF8PPD, "\x01\x02", "\x01\x02", "\x01\x02"},  // as a pair it lies within the scale
+      {kUTF8PPD, Repeat(e, 32), Repeat(e, 32), Repeat(e, 32)},
+      {kUTF8PPD, Repeat("x", 40), Repeat("x", 40), Repeat("x", 32)},
+      {kUTF8PPD, Repeat(kanji, 40), Repeat(kanji, 40), Repeat(kanji, 32)},
+      {kUTF8PPD, Repeat("x", 300), Repeat("x", 255), Repeat("x", 32)},
+      {kUTF8PPD, Repeat(kanji, 254) + "\xE6\xBC", Repeat(kanji, 254) + "\xE6\xBC",
+       Repeat(kanji, 32)},  // cut inside a character: not counted, kept while nothing is re-encoded
+  };
+  for (const auto& c : cases) {
+    const UsedPPD ppd(c.ppd);
+    CopyBounded(StdUserName, c.name);
+    CopyBounded(StdJBAUserName, std::string_view(c.name).substr(0, c.ppd == kUTF8PPD ? 96 : 32));
+    InvalidateStdUserName();
+    EXPECT_EQ(std::string(StdUserName), c.user) << c.ppd << c.name;
+    EXPECT_EQ(std::string(StdJBAUserName), c.accounting) << c.ppd << c.name;
+  }
+}
+
+TEST(Names, DocumentNamesFollowTheProductType) {
+  const std::string e = "\u00E9", x20 = Repeat("x", 20), x100 = Repeat("x", 100);
+  const std::string e100 = Repeat(e, 100);
+  const struct {
+    const char* ppd;
+    const char* type;
+    std::string title, document, jobName;
+  } cases[] = {
+      {kLatin1PPD, "", x100, x100, ""},
+      {kLatin1PPD, "1", x100, x100.substr(0, 64), x100.substr(0, 64)},
+      {kLatin1PPD, "2", x20, x20.substr(0, 12), x20.substr(0, 12)},
+      {kLatin1PPD, "3", x100, x100.substr(0, 64), x100.substr(0, 64)},
+      {kLatin1PPD, "2", "caf\xE9", "caf\xE9", ""},
+      {kLatin1PPD, "3", "a\tb", "a\tb", ""},
+      {kLatin1PPD, "5", "caf\xE9", "caf\xE9", ""},
+      {kLatin1PPD, "5", Repeat("x", 64) + "\xE9", Repeat("x", 64), Repeat("x", 64)},
+      {kUTF8PPD, "", x100, x100, x100},
+      {kUTF8PPD, "", e, e, ""},
+      {kUTF8PPD, "1", e100, Repeat(e, 64), ""},
+      {kUTF8PPD, "2", x20, x20.substr(0, 12), x20.substr(0, 12)},
+      {kUTF8PPD, "2", e, e, ""},
+      {kUTF8PPD, "3", e100, Repeat(e, 64), Repeat(e, 64)},
+      {kUTF8PPD, "5", e100, Repeat(e, 64), Repeat(e, 64)},
+      {kUTF8PPD, "5", "a\tb", "a\tb", ""},
+  };
+  for (const auto& c : cases) {
+    const UsedPPD ppd(c.ppd);
+    Arguments args(*c.type ? Tickets(std::string("PrintTypeProductTypeTicketKey=") + c.type) : "");
+    CopyBounded(StdDocumentName, c.title);
+    CopyBounded(PTStdDocumentName, c.ppd == kUTF8PPD ? c.title : "");
+    InvalidateStdDocumentNameForProductType(args);
+    if (c.ppd == kUTF8PPD) InvalidatePrintTypeDocumentNameForProductType(args);
+    EXPECT_EQ(std::string(StdDocumentName), c.document) << c.ppd << c.type << c.title;
+    EXPECT_EQ(std::string(PTStdDocumentName), c.jobName) << c.ppd << c.type << c.title;
+  }
+  CopyBounded(StdDocumentName, x100);
+  EXPECT_EQ(InvalidateStdDocumentName(), 100);
+  EXPECT_EQ(std::string(StdDocumentName), x100.substr(0, 64));
+}
+
+TEST(Names, TheUnusedEncodingOfTheJobNameCheckFollowsItsProductTypeToo) {
+  const UsedPPD ppd(kLatin1PPD);
+  for (const char* type : {"2", "3", "4"}) {
+    Arguments args(Tickets(std::string("PrintTypeProductTypeTicketKey=") + type));
+    CopyBounded(PTStdDocumentName, Repeat("x", 100));
+    InvalidatePrintTypeDocumentNameForProductType(args);
+    EXPECT_EQ(std::string(PTStdDocumentName).size(), *type == '2' ? 12u : 64u);
+    CopyBounded(PTStdDocumentName, "\xE9");
+    InvalidatePrintTypeDocumentNameForProductType(args);
+    EXPECT_STREQ(PTStdDocumentName, "");
+  }
+}
+
+TEST(HostIdentity, CutsTheHostName) {
+  char host[256] = {}, name[97];
+  ASSERT_EQ(gethostname(host, sizeof host - 1), 0);
+  const UsedPPD ppd(kUTF8PPD);
+  getHostName(name);
+  EXPECT_EQ(std::string(name), std::string(host).substr(0, 32));
+}
+
+TEST(HostIdentity, EncodesAddresses) {
+  const struct {
+    const char* address;
+    const char* encoded;
+  } cases[] = {
+      {"192.168.0.1", "IC0A80001"},
+      {"10.0.0.7", "I0A000007"},
+      {"10.0.0.0007", ""},
+      {"10.0.0.256", ""},
+      {"2001:db8:85a3::8a2e:370:7334", "620010db885a3000000008a2e03707334"},
+      {"fe80::1", "6fe80" "0000000000000000000000000000" "0001"},
+      {"fe80::1%en0", "6fe80" "0000000000000000000000000000" "0001"},
+      {"1:2:3:4:5:6:7:8", "6"},
+      {"1:2:3:4:5:6:7:0", "6"},  // zeros at the very end are not looked at
+      {"1:2:3:4:5:6::", "6000100020003000400050006" "0000" "0000"},
+      {"host", ""},
+      {"", ""},
+  };
+  for (const auto& c : cases) {
+    char encoded[46];
+    EncodeHostAddress(c.address, encoded);
+    EXPECT_STREQ(encoded, c.encoded) << c.address;
+  }
+}
+
+// What is picked from a list of numeric addresses.
+std::string Picked(const std::vector<const char*>& numeric) {
+  std::vector<sockaddr_in6> addresses(numeric.size());
+  std::vector<addrinfo> list(numeric.size());
+  for (std::size_t i = 0; i < numeric.size(); i++) {
+    auto* v6 = &addresses[i];
+    auto* v4 = reinterpret_cast<sockaddr_in*>(v6);
+    if (inet_pton(AF_INET6, numeric[i], &v6->sin6_addr) == 1) {
+      v6->sin6_family = AF_INET6;
+    } else if (inet_pton(AF_INET, numeric[i], &v4->sin_addr) == 1) {
+      v4->sin_family = AF_INET;
+    }  // else: a family that cannot be formatted
+    list[i].ai_addr = reinterpret_cast<sockaddr*>(v6);
+    list[i].ai_addrlen = sizeof *v6;
+    list[i].ai_next = i + 1 < numeric.size() ? &list[i + 1] : nullptr;
+  }
+  char out[46];
+  // Numeric names resolve without asking anyone; this leaves `out` as the place to write to.
+  EXPECT_TRUE(getHostAddress("::1", out, sizeof out));
+  CopyBounded(out, "");
+  MyPrintAddressArray(list.data(), "host");
+  return out;
+}
+
+TEST(HostIdentity, PicksTheFirstIPv4OrTheLastIPv6) {
+  EXPECT_EQ(Picked({"fe80::1", "2001:db8::5", "10.0.0.7", "10.0.0.8"}), "10.0.0.7");
+  EXPECT_EQ(Picked({"2001:db8::5", "2001:db8::9"}), "2001:db8::9");
+  EXPECT_EQ(Picked({"127.0.0.1", "fe80::1"}), "");
+  EXPECT_EQ(Picked({"127.0.0.1", "2001:db8::5"}), "2001:db8::5");
+  EXPECT_EQ(Picked({"2001:db8::5", "no address"}), "2001:db8::5");
+  char out[46];
+  EXPECT_TRUE(getHostAddress("127.0.0.1", out, sizeof out));  // passed over, yet it counts
+  EXPECT_STREQ(out, "");
+  EXPECT_TRUE(getHostAddress("10.1.2.3", out, 5));
+  EXPECT_STREQ(out, "10.1");
+  EXPECT_FALSE(getHostAddress("10.1.2.3", out, -1));
+  EXPECT_FALSE(getHostAddress("10.1.2.3", nullptr, 5));
+  EXPECT_FALSE(getHostAddress(nullptr, out, 5));
+  EXPECT_FALSE(getHostAddress("name.invalid", out, sizeof out));
+}
+
+TEST(HostIdentity, ProgrammingErrorsStopTheProcess) {
+  EXPECT_DEATH(MyPrintAddressArray(nullptr, "host"),
+               "Assertion failed: \\(addresses != NULL\\), function MyPrintAddressArray, file "
+               "FilterFrame/Source/UtilityFunctionFilter");
+  EXPECT_DEATH(MyCFHostCleanup(nullptr), "host != NULL");
+  EXPECT_DEATH(MyResolveNameToAddress(nullptr), "hostName != NULL");
+}
+
+}  // namespace

@@ -25,3 +25,6 @@ if(PSTOXPJL_FUZZ)
   # Code built for coverage feedback; each fuzzer links libFuzzer's own main.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
+
+# Printed numbers must not depend on whether the processor can multiply and add in one step.
+add_compile_options(-ffp-contract=off)

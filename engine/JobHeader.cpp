@@ -9,6 +9,9 @@
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "engine/ModuleDispatch.h"
+#include "modules/booklet/Booklet.h"
+#include "modules/comment/Comment.h"
+#include "modules/quality/Quality.h"
 
 #define ROWS_FILE "engine/JobHeaderRows.def"
 #define ROWS_BIND_VALUES BindJobHeaderValues
@@ -42,11 +45,15 @@ CommentBlock ChooseCommentBlock() {
 
 void OutputCommentBlock(CommentBlock block) {
   if (block == CommentBlock::kNone) return;
-  const bool isLong = block == CommentBlock::kLong;
-  ZRfputs(isLong ? "@PJL COMMENT PRINTJOBINFO VERSION=1.5.0\n"
-                 : "@PJL COMMENT PRINTJOBINFO VERSION=1.3.0\n",
-          stdout);
-  ZRfputs("@PJL COMMENT PRINTJOBINFO END\n", stdout);
+  if (block == CommentBlock::kLong) {
+    OutputXPJLCommandforCommentVersionHigh();
+  } else {
+    OutputXPJLCommandforCommentVersionLow();
+  }
+  OutputXPJLCommandforCommentBegin();
+  OutputXPJLCommandforCommentBasic();
+  if (block == CommentBlock::kLong) OutputXPJLCommandforCommentAdvanced();
+  OutputXPJLCommandforCommentEnd();
 }
 
 }  // namespace
@@ -62,6 +69,9 @@ void OutputXPJLCommand(char* args[]) {
   OutputXPJLCommandLanguageEncodingForModelGroup();
   OutputXPJLCommandFromArray(nullptr, prtFmtTableXPJLJobMode, numFmtTableXPJLJobMode);
   OutputXPJLCommandFromFilter(args);
+  OutputXPJLCommandforBooklet();
+  OutputXPJLCommandForTonerSaver();
+  OutputXPJLCommandOthers();
   OutputCommentBlock(ChooseCommentBlock());
   if (PrinterDecomposesPostScript()) return;  // the spooled settings come before the switch
   OutputXPJLCommandFromArray(nullptr, prtFmtTableEnterPS, numFmtTableEnterPS);

@@ -3,22 +3,33 @@
 #include "engine/ModuleDispatch.h"
 
 #include "modules/accounting/Accounting.h"
+#include "modules/comment/Comment.h"
+#include "modules/features/Features.h"
 #include "modules/printtype/PrintType.h"
+#include "modules/watermark/Watermark.h"
 
 int GetTicketFromPDE(char* args[]) {
   PrintTypeGetTicketFromPDE(args);
   JBAGetTicketFromPDE(args);
+  FeaturesGetTicketFromPDE(args);
+  WatermarkGetTicketFromPDE(args);
+  CommentGetTicketFromPDE(args);
   return 1;
 }
 
 void InializeDescriptionTableFromFilter() {
   PrintTypeInializeDescriptionTableFromFilter();
   JBAInializeDescriptionTableFromFilter();
+  FeaturesInializeDescriptionTableFromFilter();
 }
 
 void OutputXPJLCommandFromFilter(char* args[]) {
   PrintTypeOutputXPJLCommandFromFilter(args);
   JBAOutputXPJLCommandFromFilter(args);
+  FeaturesOutputXPJLCommandFromFilter(args);
 }
 
-void OutputPSCommandFromFilter(int /*hookCode*/, int /*context*/, std::FILE* /*stream*/) {}
+void OutputPSCommandFromFilter(int hookCode, int context, std::FILE* stream) {
+  WatermarkOutputPSCommandFromFilter(hookCode, context, stream);
+  FeaturesOutputPSCommandFromFilter(hookCode, stream);
+}

@@ -11,7 +11,9 @@
 #include "engine/ModuleDispatch.h"
 #include "modules/booklet/Booklet.h"
 #include "modules/comment/Comment.h"
+#include "modules/perfectbind/PerfectBind.h"
 #include "modules/quality/Quality.h"
+#include "modules/specialpages/SpecialPages.h"
 
 #define ROWS_FILE "engine/JobHeaderRows.def"
 #define ROWS_BIND_VALUES BindJobHeaderValues
@@ -69,9 +71,11 @@ void OutputXPJLCommand(char* args[]) {
   OutputXPJLCommandLanguageEncodingForModelGroup();
   OutputXPJLCommandFromArray(nullptr, prtFmtTableXPJLJobMode, numFmtTableXPJLJobMode);
   OutputXPJLCommandFromFilter(args);
+  OutputXPJLCommandforPerfectBind();
   OutputXPJLCommandforBooklet();
   OutputXPJLCommandForTonerSaver();
   OutputXPJLCommandOthers();
+  OutputXPJLCommandForSpecialPage(args);
   OutputCommentBlock(ChooseCommentBlock());
   if (PrinterDecomposesPostScript()) return;  // the spooled settings come before the switch
   OutputXPJLCommandFromArray(nullptr, prtFmtTableEnterPS, numFmtTableEnterPS);

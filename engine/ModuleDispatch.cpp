@@ -5,7 +5,9 @@
 #include "modules/accounting/Accounting.h"
 #include "modules/comment/Comment.h"
 #include "modules/features/Features.h"
+#include "modules/perfectbind/PerfectBind.h"
 #include "modules/printtype/PrintType.h"
+#include "modules/specialpages/SpecialPages.h"
 #include "modules/watermark/Watermark.h"
 
 int GetTicketFromPDE(char* args[]) {
@@ -13,7 +15,9 @@ int GetTicketFromPDE(char* args[]) {
   JBAGetTicketFromPDE(args);
   FeaturesGetTicketFromPDE(args);
   WatermarkGetTicketFromPDE(args);
+  PBindGetTicketFromPDE(args);
   CommentGetTicketFromPDE(args);
+  SpecialPageGetTicketFromPDE(args);
   return 1;
 }
 
@@ -21,6 +25,7 @@ void InializeDescriptionTableFromFilter() {
   PrintTypeInializeDescriptionTableFromFilter();
   JBAInializeDescriptionTableFromFilter();
   FeaturesInializeDescriptionTableFromFilter();
+  SpecialPageInializeDescriptionTable();
 }
 
 void OutputXPJLCommandFromFilter(char* args[]) {

@@ -25,6 +25,10 @@ const std::string kIdentity = [] {
          attribute("@JOAU=user") + "\r\n" + attribute("@ACNA=title") + "\r\n";
 }();
 const std::string kJobMode = "@PJL JOB MODE=PRINTER\r\n" + kIdentity;
+const std::string kGray = "@PJL SET RENDERMODE=GRAYSCALE\n";
+const std::string kBooklet = "@PJL SET JOBATTR=\"@DIND=PORTRAIT\"\n";
+const std::string kPlainHeader = kExit + kJobMode + kGray;
+const std::string kUTF8Header = kExit + kUTF8Names + kJobMode + kBooklet + kGray;
 const std::string kEnterPS = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
 const std::string kTrailer = kExit + "@PJL EOJ\n";
 const std::string kComment = "@PJL COMMENT PRINTJOBINFO ";
@@ -43,7 +47,7 @@ std::string ReadFile(const std::string& path) {
 TEST(Job, WithoutAPPDIsFramedAndPassedThrough) {
   const FilterResult result = RunFilter(JobWith("%!PS\nep\nshowpage\n%%EOF\nunfinished"));
   EXPECT_EQ(result.output,
-            kExit + kJobMode + kEnterPS + "%!PS\nep\nshowpage\n%%EOF\n\x04" + kTrailer);
+            kPlainHeader + kEnterPS + "%!PS\nep\nshowpage\n%%EOF\n\x04" + kTrailer);
   EXPECT_EQ(result.messages, "PAGE:1 1\n");
   EXPECT_EQ(result.exitStatus, 0);
 }
@@ -53,27 +57,34 @@ TEST(Job, HeaderFollowsThePPD) {
   const std::string utf8 = "*ZLVPrinterLanguageEncoding: \"UTF-8\"\n";
   const std::string latin1 = "*ZLVPrinterLanguageEncoding: \"ISOLatin1\"\n";
   const std::string commentOn = "*CommentOn: \"True\"\n";
-  const std::string shortBlock = kComment + "VERSION=1.3.0\n" + kComment + "END\n";
-  const std::string longBlock = kComment + "VERSION=1.5.0\n" + kComment + "END\n";
+  const std::string basic = kComment + "BEGIN\n" + kComment +
+                            "PDLTYPE=PDL[POSTSCRIPT]:VERSION[3]\n" + kComment +
+                            "JOBTYPE=PRINT\n" + kComment + "DUPLEXTYPE=SIMPLEX\n" + kComment +
+                            "COLORMODE=GRAYSCALE\n" + kComment + "NUP=1\n";
+  const std::string advanced = kComment + "ORIENTATION=PORTRAIT\n" + kComment +
+                               "MIXEDSIZETYPE=NONE\n" + kComment + "CUD=OFF\n";
+  const std::string end = kComment + "END\n";
+  const std::string shortBlock = kComment + "VERSION=1.3.0\n" + basic + end;
+  const std::string longBlock = kComment + "VERSION=1.5.0\n" + basic + advanced + end;
   const struct {
     const char* what;
     std::string ppd;
     std::string header;
   } cases[] = {
-      {"UTF-8", utf8, kExit + kUTF8Names + kJobMode + kEnterPS},
+      {"UTF-8", utf8, kUTF8Header + kEnterPS},
       {"UTF-8 with comment", utf8 + commentOn,
-       kExit + kUTF8Names + kJobMode + longBlock + kEnterPS},
+       kUTF8Header + longBlock + kEnterPS},
       {"comment is case-sensitive", utf8 + "*CommentOn: \"true\"\n",
-       kExit + kUTF8Names + kJobMode + kEnterPS},
+       kUTF8Header + kEnterPS},
       {"another encoding always has the short block", latin1,
-       kExit + kJobMode + shortBlock + kEnterPS},
+       kPlainHeader + shortBlock + kEnterPS},
       {"another encoding, whatever CommentOn says", latin1 + commentOn,
-       kExit + kJobMode + shortBlock + kEnterPS},
-      {"no encoding, no model", commentOn, kExit + kJobMode + kEnterPS},
+       kPlainHeader + shortBlock + kEnterPS},
+      {"no encoding, no model", commentOn, kPlainHeader + kEnterPS},
       {"no encoding, unlisted model", commentOn + "*PCFileName: \"ZLVTEST.PPD\"\n",
-       kExit + kJobMode + longBlock + kEnterPS},
+       kPlainHeader + longBlock + kEnterPS},
       {"no encoding, unlisted model, no comment", "*PCFileName: \"ZLVTEST.PPD\"\n",
-       kExit + kJobMode + kEnterPS},
+       kPlainHeader + kEnterPS},
   };
   for (const auto& c : cases) {
     const ScratchFolder folder;
@@ -94,9 +105,9 @@ TEST(Job, ReadsAFileWhenGivenOne) {
   const ScratchFolder folder;
   FilterJob job = JobWith("not this");
   job.arguments.push_back(folder.write("job.ps", "%!PS\r\nbp\r\n"));
-  EXPECT_EQ(RunFilter(job).output, kExit + kJobMode + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
+  EXPECT_EQ(RunFilter(job).output, kPlainHeader + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
   job.arguments.push_back("more");
-  EXPECT_EQ(RunFilter(job).output, kExit + kJobMode + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
+  EXPECT_EQ(RunFilter(job).output, kPlainHeader + kEnterPS + "%!PS\r\nbp\r\n\x04" + kTrailer);
 }
 
 TEST(Job, WithTooFewArgumentsSaysHowItIsUsed) {

@@ -73,8 +73,9 @@ const PostScriptToken* MatchToken(std::string_view line) {
 
 }  // namespace
 
-PostScriptLines::PostScriptLines(int fd)
+PostScriptLines::PostScriptLines(int fd, Wishes wishes)
     : fd_(fd),
+      wishes_(wishes),
       buffer_(std::make_unique_for_overwrite<char[]>(1 + kBlockSize)),
       begin_(buffer_.get() + 1),
       end_(begin_),
@@ -88,32 +89,42 @@ bool PostScriptLines::next(Piece& piece) {
     if (candidate == end_) {
       scan_ = end_;
       const char* finished = endOfFinished();
-      if (finished != begin_) return take(finished, nullptr, piece);
+      if (finished != begin_) return take(finished, piece);
       if (!refill()) return false;
       continue;
     }
-    const char* limit = candidate + std::min<std::ptrdiff_t>(end_ - candidate, kLongestToken + 1);
+    const bool isWished = wished(candidate);
+    const std::size_t longest = isWished ? kLinePieceSize : kLongestToken + 1;
+    const char* limit =
+        candidate + std::min(static_cast<std::size_t>(end_ - candidate), longest);
     const char* lineEnd = std::find_if(candidate, limit, IsLineEnd);
-    if (lineEnd == limit && limit == end_) {  // it depends on bytes that are not here yet
-      scan_ = candidate;
-      if (candidate != begin_) return take(candidate, nullptr, piece);
-      if (!refill()) return false;
+    const bool undecided = lineEnd == limit && static_cast<std::size_t>(limit - candidate) < longest;
+    const PostScriptToken* token =
+        MatchToken({candidate, static_cast<std::size_t>(lineEnd - candidate)});
+    const bool single = lineEnd != limit && (token != nullptr || isWished);
+    if (!undecided && !single) {
+      scan_ = lineEnd;
       continue;
     }
-    const auto length = static_cast<std::size_t>(lineEnd - candidate);
-    if (const PostScriptToken* token = MatchToken({candidate, length})) {
-      scan_ = candidate;
-      if (candidate != begin_) return take(candidate, nullptr, piece);
+    scan_ = candidate;
+    if (candidate != begin_) return take(candidate, piece);
+    if (single) {
       scan_ = lineEnd + 1;
-      return take(lineEnd + 1, token, piece);
+      return take(lineEnd + 1, piece, token, isWished);
     }
-    scan_ = lineEnd;
+    if (!refill()) return false;
   }
 }
 
-bool PostScriptLines::take(const char* end, const PostScriptToken* token, Piece& piece) {
+bool PostScriptLines::wished(const char* line) const {
+  return !wishes_.prefix.empty() &&
+         std::string_view(line, static_cast<std::size_t>(end_ - line)).starts_with(wishes_.prefix);
+}
+
+bool PostScriptLines::take(const char* end, Piece& piece, const PostScriptToken* token,
+                           bool hasPrefix) {
   const auto length = static_cast<std::size_t>(end - begin_);
-  piece = {{begin_, length}, token};
+  piece = {{begin_, length}, token, hasPrefix};
   begin_ += length;
   return true;
 }
@@ -131,7 +142,7 @@ const char* PostScriptLines::endOfFinished() const {
 // Moves what is held to the front of the buffer, with the byte before it, and reads behind it.
 bool PostScriptLines::refill() {
   char* front = buffer_.get();
-  const auto held = static_cast<std::size_t>(end_ - begin_);
+  const std::size_t held = static_cast<std::size_t>(end_ - begin_) + heldBack_;
   const std::ptrdiff_t shift = begin_ - 1 - front;
   if (shift > 0) std::memmove(front, begin_ - 1, held + 1);
   begin_ -= shift;
@@ -140,9 +151,11 @@ bool PostScriptLines::refill() {
 
   ssize_t count = 0;
   do {
-    count = read(fd_, end_, kBlockSize - held);
+    count = read(fd_, begin_ + held, kBlockSize - held);
   } while (count < 0 && errno == EINTR);
   if (count <= 0) return false;
-  end_ += count;
+  end_ = begin_ + held + count;
+  heldBack_ = wishes_.holdLastByte ? 1 : 0;
+  end_ -= heldBack_;
   return true;
 }

@@ -42,27 +42,44 @@ inline constexpr std::size_t kLinePieceSize = 8065;
 // Reads a job from a file descriptor. Memory does not grow with the job.
 class PostScriptLines {
  public:
+  // What else a reader wants to know of the job.
+  struct Wishes {
+    // Lines that begin so come singly. It must begin as some token does and be no longer than one.
+    std::string_view prefix = {};
+    bool holdLastByte = false;     // the job's last byte is not part of it: see lastByte()
+  };
+
   // `fd` stays the caller's.
-  explicit PostScriptLines(int fd);
+  explicit PostScriptLines(int fd) : PostScriptLines(fd, Wishes{}) {}
+  PostScriptLines(int fd, Wishes wishes);
 
   struct Piece {
     std::string_view bytes;        // as they stand in the job; valid until the next call
-    const PostScriptToken* token;  // null for a run of ordinary lines
+    const PostScriptToken* token;  // null for a run of ordinary lines and for a wished line
+    bool hasPrefix;                // a single line with the wished prefix
   };
 
   // The next piece of the job; false at its end or when reading fails.
   bool next(Piece& piece);
 
+  // The last byte of the job that was held back, empty when there was none. Known when next() has
+  // returned false.
+  std::string_view lastByte() const { return {end_, heldBack_}; }
+
  private:
-  bool take(const char* end, const PostScriptToken* token, Piece& piece);
+  bool wished(const char* line) const;
+  bool take(const char* end, Piece& piece, const PostScriptToken* token = nullptr,
+            bool hasPrefix = false);
   const char* endOfFinished() const;
   bool refill();
 
   static constexpr std::size_t kBlockSize = 64 * 1024;
 
   int fd_;
+  Wishes wishes_;
   std::unique_ptr<char[]> buffer_;  // one byte, the last one passed on, and the block behind it
   char* begin_;                     // first byte not yet passed on
-  char* end_;                       // behind the last byte read
+  char* end_;                       // behind the last byte that may be passed on
+  std::size_t heldBack_ = 0;        // bytes read behind end_: 0 or 1
   const char* scan_;                // no token line begins between begin_ and here
 };

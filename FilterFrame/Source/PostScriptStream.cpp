@@ -18,30 +18,20 @@ char g_DLOutputMode[255];
 
 namespace {
 
-constexpr char kEndOfTransmission[] = "\004";
 constexpr std::int32_t kFirstSystemWithPageLog = 0x1070;
-
-// The job's input: standard input, or a file of its own that it closes.
-class JobInput {
- public:
-  explicit JobInput(const char* path)
-      : fd_(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
-  ~JobInput() {
-    if (fd_ > STDIN_FILENO) close(fd_);
-  }
-  JobInput(const JobInput&) = delete;
-  JobInput& operator=(const JobInput&) = delete;
-  int fd() const { return fd_; }
-
- private:
-  int fd_;
-};
 
 void Write(std::string_view bytes, std::FILE* stream) {
   ZRfwrite(bytes.data(), 1, bytes.size(), stream);
 }
 
 }  // namespace
+
+JobInput::JobInput(const char* path)
+    : fd_(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
+
+JobInput::~JobInput() {
+  if (fd_ > STDIN_FILENO) close(fd_);
+}
 
 void OutputPSStream(int argc, char* argv[]) {
   const JobInput input(argc == 6 ? nullptr : argv[6]);
@@ -56,7 +46,7 @@ void OutputPSStream(int argc, char* argv[]) {
       return;
     }
   }
-  ZRfputs(kEndOfTransmission, stdout);
+  ZRfputc(kEndOfTransmission, stdout);
 }
 
 bool OutputTokenLine(const PostScriptToken& token, std::string_view line, StreamPosition& position,
@@ -74,6 +64,7 @@ bool OutputTokenLine(const PostScriptToken& token, std::string_view line, Stream
     OutputPSCommandFromFilter(token.hookCode, position.page, stream);
   }
   if (token.endsPage) FlushOutput(stream);
+  if (stream != stdout && std::ferror(stream) != 0) return false;
   if (token.logsPage) OutputPageLogCommand(position.page, argv);
   return true;
 }

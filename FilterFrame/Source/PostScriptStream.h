@@ -13,6 +13,22 @@
 // cancelled job ends without the byte 4.
 void OutputPSStream(int argc, char* argv[]);
 
+// The job's input: a file of its own, or standard input when `path` is null.
+class JobInput {
+ public:
+  explicit JobInput(const char* path);
+  ~JobInput();
+  JobInput(const JobInput&) = delete;
+  JobInput& operator=(const JobInput&) = delete;
+  int fd() const { return fd_; }  // negative when the file cannot be opened
+
+ private:
+  int fd_;
+};
+
+// The byte that ends the PostScript.
+inline constexpr char kEndOfTransmission = 4;
+
 // Where a stream stands.
 struct StreamPosition {
   int page = 0;             // pages ended so far
@@ -20,7 +36,8 @@ struct StreamPosition {
 };
 
 // Writes a token's line to `stream` with everything that belongs to it: page count, hook, page log.
-// False when the job is cancelled: the line is then not written and the stream ends.
+// False when the stream ends here: the job is cancelled, and the line is not written, or a spool
+// file does not take the page, which then is not logged.
 bool OutputTokenLine(const PostScriptToken& token, std::string_view line, StreamPosition& position,
                      std::FILE* stream, char* argv[]);
 

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "FilterFrame/Source/DecomposedStream.h"
 #include "FilterFrame/Source/JobCopy.h"
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/PostScriptStream.h"
@@ -115,7 +116,11 @@ int main(int argc, char* argv[]) {
   OutputXPJLCommand(argv);
   FlushOutput(stdout);
 
-  OutputPSStream(argc, argv);
+  if (PrinterDecomposesPostScript()) {
+    OutputPSStreamtoFileandInsertPJLforFeaturePDE(argc, argv);
+  } else {
+    OutputPSStream(argc, argv);
+  }
 
   OutputXPJLCommandFromArray(argv, prtFmtTableXPJLTrailer, numFmtTableXPJLTrailer);
   CloseJobCopy();

@@ -12,7 +12,7 @@ inline constexpr std::size_t kLineSize = 100;
 void OutputFormattedLine(std::FILE* stream, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 
-// Writes the job attribute line @PJL SET JOBATTR="@<attribute>=<value>" with a line feed to standard
-// output. `lineSize` is the size of the line buffer in bytes, at most 256.
+// Writes the job attribute line @PJL SET JOBATTR="@<attribute>=<value>" with a line feed to
+// standard output. `lineSize` is the size of the line buffer in bytes, at most 256.
 void OutputJobAttribute(const char* attribute, const char* value, std::size_t lineSize = kLineSize);
 void OutputJobAttribute(const char* attribute, int value);

@@ -22,8 +22,12 @@ struct SymbolAt {
   char symbol[3];
 };
 
-std::int32_t IntAt(const void* operand) { return *static_cast<const std::int32_t*>(operand); }
-const char* TextAt(const void* operand) { return static_cast<const char*>(operand); }
+std::int32_t IntAt(const void* operand) {
+  return *static_cast<const std::int32_t*>(operand);
+}
+const char* TextAt(const void* operand) {
+  return static_cast<const char*>(operand);
+}
 const char* TextVariableAt(const void* operand) {
   return *static_cast<const char* const*>(operand);
 }
@@ -111,7 +115,9 @@ const char* GetNextCtrlSym(const char* text) {
   return nullptr;
 }
 
-int IsCtrlSym(const char* twoCharString) { return FindCtrlSym(twoCharString) != nullptr ? 1 : 0; }
+int IsCtrlSym(const char* twoCharString) {
+  return FindCtrlSym(twoCharString) != nullptr ? 1 : 0;
+}
 
 void InitializeCmdParaTable(SymPara* description, std::int32_t count, const CmdValue* list) {
   *description = {count, list};
@@ -122,7 +128,9 @@ void InitializeComparationTable(Comparation* condition, std::int32_t count,
   *condition = {count, items};
 }
 
-int IntCampareFunc(const void* left, const void* right) { return IntAt(left) == IntAt(right); }
+int IntCampareFunc(const void* left, const void* right) {
+  return IntAt(left) == IntAt(right);
+}
 
 int IntNoEqualCampareFunc(const void* left, const void* right) {
   return IntAt(left) != IntAt(right);

@@ -61,8 +61,8 @@ struct CmdValue {
 };
 
 struct SymPara {
-  std::int32_t count;       // entries of the list; expansion goes by the symbols of the format
-  const CmdValue* list;     // one value for each control symbol, in their order
+  std::int32_t count;    // entries of the list; expansion goes by the symbols of the format
+  const CmdValue* list;  // one value for each control symbol, in their order
 };
 
 struct PrtFmt {
@@ -103,13 +103,13 @@ void InitializeComparationTable(Comparation* condition, std::int32_t count,
 
 // The compare functions. A text operand on the left is a char array, on the right a pointer to a
 // variable that holds a text pointer.
-int IntCampareFunc(const void* left, const void* right);           // equal
-int IntNoEqualCampareFunc(const void* left, const void* right);    // different
-int StrEqualCampareFunc(const void* left, const void* right);      // the same text
-int StrContainCampareFunc(const void* left, const void* right);    // left contains right
-int StrNotContainCampareFunc(const void* left, const void* right); // the contrary
-int StrNoNULLCampareFunc(const void* left, const void* right);     // left is not empty
-int StrIsNULLCampareFunc(const void* left, const void* right);     // left is empty
+int IntCampareFunc(const void* left, const void* right);                // equal
+int IntNoEqualCampareFunc(const void* left, const void* right);         // different
+int StrEqualCampareFunc(const void* left, const void* right);           // the same text
+int StrContainCampareFunc(const void* left, const void* right);         // left contains right
+int StrNotContainCampareFunc(const void* left, const void* right);      // the contrary
+int StrNoNULLCampareFunc(const void* left, const void* right);          // left is not empty
+int StrIsNULLCampareFunc(const void* left, const void* right);          // left is empty
 int StrLengthLessThanCampareFunc(const void* left, const void* right);  // bytes against an int
 
 // Typed makers of condition items: a test of an int as if it were text does not compile, and the

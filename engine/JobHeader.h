@@ -7,13 +7,13 @@
 #include "engine/CommandTable.h"
 
 // The frame lines, each a table of one row.
-extern const PrtFmt prtFmtTableXPJLHead[];     // exit sequence
+extern const PrtFmt prtFmtTableXPJLHead[];  // exit sequence
 extern const std::int32_t numFmtTableXPJLHead;
 extern const PrtFmt prtFmtTableXPJLJobMode[];  // job mode
 extern const std::int32_t numFmtTableXPJLJobMode;
 extern const PrtFmt prtFmtTableXPJLTrailer[];  // exit sequence and end of job
 extern const std::int32_t numFmtTableXPJLTrailer;
-extern const PrtFmt prtFmtTableEnterPS[];      // switch into PostScript
+extern const PrtFmt prtFmtTableEnterPS[];  // switch into PostScript
 extern const std::int32_t numFmtTableEnterPS;
 
 // Binds the frame lines and every module's rows. Called once, before any output.

@@ -62,14 +62,16 @@ int ConvertToPPDEncoding(const char* source, char* destination, int size) {
 int OpenStoredCredential(const unsigned char* cipher, std::uint32_t cipherLength,
                          WipedBuffer<kCredentialSize>& plain) {
   std::uint32_t plainLength = kCredentialSize;
-  const unsigned status = Decode_Storage(cipher, cipherLength, seed1, sizeof seed1, seed2,
-                                         sizeof seed2, seed3, sizeof seed3, plain.bytes,
-                                         &plainLength);
+  const unsigned status =
+      Decode_Storage(cipher, cipherLength, seed1, sizeof seed1, seed2, sizeof seed2, seed3,
+                     sizeof seed3, plain.bytes, &plainLength);
   return status == 0 ? static_cast<int>(plainLength) : -1;
 }
 
 // Layout rows or columns; a missing one does not change the product.
-long LayoutFactor(const char* value) { return value != nullptr ? DecimalInteger(value) : 1; }
+long LayoutFactor(const char* value) {
+  return value != nullptr ? DecimalInteger(value) : 1;
+}
 
 // The number of pages per sheet that the layout keys give, as text; `one` when that is one or when
 // neither key is there.
@@ -148,8 +150,7 @@ int GetTicketStringConvertedToPrtLangForUTF8(const char* key, int numOptions,
 }
 
 int GetLengthOfTicketStringConvertedToPrtLang(const char* key, int numOptions,
-                                              cups_option_t* options, void* destination,
-                                              int size) {
+                                              cups_option_t* options, void* destination, int size) {
   return std::max(
       0, GetConvertedText(key, numOptions, options, destination, size, ConvertUTF8ToEncoding));
 }

@@ -14,8 +14,8 @@
 
 // Reads the option `key` from `options` (`numOptions` of them) into `destination` (`size` bytes).
 // Text getters clear the destination and leave it terminated; values count up to 1023 bytes.
-using TicketGetter = int(const char* key, int numOptions, cups_option_t* options,
-                         void* destination, int size);
+using TicketGetter = int(const char* key, int numOptions, cups_option_t* options, void* destination,
+                         int size);
 
 struct TicketData {
   const char* key;
@@ -59,22 +59,32 @@ TicketGetter GetNumberUpTicketStringForComment;
 // buffer that holds the text, in bytes.
 void numstrtochar(char* text, int limit);
 
+// What a getter stores.
+enum class TicketValue { kText, kInteger, kFloat };
+template <TicketGetter* Getter>
+inline constexpr TicketValue kTicketValue = TicketValue::kText;
+template <>
+inline constexpr TicketValue kTicketValue<CheckTicketKey> = TicketValue::kInteger;
+template <>
+inline constexpr TicketValue kTicketValue<GetTicketInteger> = TicketValue::kInteger;
+template <>
+inline constexpr TicketValue kTicketValue<GetTicketFloat> = TicketValue::kFloat;
+
 // Makers of rows; sizes come from the field's type, and a getter that does not fit it does not
-// compile.
-constexpr TicketData Ticket(const char* key, std::int32_t& field, TicketGetter* getter) {
-  if (getter != GetTicketInteger && getter != CheckTicketKey) throw "not a getter of integers";
-  return {key, &field, sizeof field, getter};
+// compile. Of a text field `used` bytes are filled.
+template <TicketGetter* Getter>
+constexpr TicketData Ticket(const char* key, std::int32_t& field) {
+  static_assert(kTicketValue<Getter> == TicketValue::kInteger);
+  return {key, &field, sizeof field, Getter};
 }
-constexpr TicketData Ticket(const char* key, float& field, TicketGetter* getter) {
-  if (getter != GetTicketFloat) throw "not a getter of floats";
-  return {key, &field, sizeof field, getter};
+template <TicketGetter* Getter>
+constexpr TicketData Ticket(const char* key, float& field) {
+  static_assert(kTicketValue<Getter> == TicketValue::kFloat);
+  return {key, &field, sizeof field, Getter};
 }
-template <std::size_t Size>
-constexpr TicketData Ticket(const char* key, char (&field)[Size], TicketGetter* getter,
-                            std::size_t used = Size) {
+template <TicketGetter* Getter, std::size_t Size>
+constexpr TicketData Ticket(const char* key, char (&field)[Size], std::size_t used = Size) {
+  static_assert(kTicketValue<Getter> == TicketValue::kText);
   if (used > Size) throw "the field is smaller";
-  if (getter == GetTicketInteger || getter == CheckTicketKey || getter == GetTicketFloat) {
-    throw "not a getter of texts";
-  }
-  return {key, field, static_cast<std::int32_t>(used), getter};
+  return {key, field, static_cast<std::int32_t>(used), Getter};
 }

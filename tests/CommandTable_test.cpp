@@ -76,7 +76,7 @@ TEST(CommandTable, ExpandsFormats) {
       {"%c%c-12345X", {CTRLSym_ESC, CTRLSym_PERCENTAGE}, "\x1b%-12345X"},
       {"%%d", {number}, "%-2147483648"},
       {"%s%c", {text, high}, "abc\xE9"},
-      {"a%sb%sc", {text, empty}, "aabc"},   // "b" goes with the empty value, and the rest
+      {"a%sb%sc", {text, empty}, "aabc"},  // "b" goes with the empty value, and the rest
       {"%s", {empty}, ""},
       {"a=%c\n", {nul}, ""},
       {"%s tail", {text}, "abc tail"},
@@ -102,8 +102,8 @@ TEST(CommandTable, ConditionsAreConjunctionsThatStopEarly) {
   calls = 0;
   const CompareFunc yes = [](const void*, const void*) { return ++calls, 1; };
   const CompareFunc no = [](const void*, const void*) { return ++calls, 0; };
-  const ComparationItem items[] = {{nullptr, nullptr, yes}, {nullptr, nullptr, no},
-                                   {nullptr, nullptr, yes}};
+  const ComparationItem items[] = {
+      {nullptr, nullptr, yes}, {nullptr, nullptr, no}, {nullptr, nullptr, yes}};
   const Comparation none = {0, nullptr}, one = {1, items}, all = {3, items};
   EXPECT_EQ(ConditionCompare(&none), 1);
   EXPECT_EQ(ConditionCompare(&one), 1);

@@ -30,9 +30,9 @@ TEST(Encoding, ConvertsDropsAndCuts) {
       {"\uFEFF\uFFFF", 10, "", "\uFEFF\uFFFF"},
       {ideographic.c_str(), 10, "", ideographic},
       {"a", 1, "", ""},
-      {"ok\xFF", 10, "", ""},          // no UTF-8 byte
-      {"\xC0\xAF", 10, "", ""},        // overlong
-      {"\xED\xA0\x80", 10, "", ""},    // half of a surrogate pair
+      {"ok\xFF", 10, "", ""},            // no UTF-8 byte
+      {"\xC0\xAF", 10, "", ""},          // overlong
+      {"\xED\xA0\x80", 10, "", ""},      // half of a surrogate pair
       {"\xF4\x90\x80\x80", 10, "", ""},  // beyond U+10FFFF
       {"cut\xC3", 10, "", ""},
   };
@@ -40,13 +40,15 @@ TEST(Encoding, ConvertsDropsAndCuts) {
     char destination[16];
     std::fill_n(destination, sizeof destination, 'x');
     EXPECT_EQ(ConvertUTF8ToEncoding(c.source, destination, c.size),
-              static_cast<int>(c.latin1.size())) << c.source;
+              static_cast<int>(c.latin1.size()))
+        << c.source;
     // All of the destination is cleared, nothing behind it is touched.
     EXPECT_EQ(std::string(destination, sizeof destination),
               c.latin1 + std::string(static_cast<std::size_t>(c.size) - c.latin1.size(), '\0') +
                   std::string(sizeof destination - static_cast<std::size_t>(c.size), 'x'));
     EXPECT_EQ(ConvertUTF8ToEncodingForUTF8(c.source, destination, c.size),
-              static_cast<int>(c.utf8.size())) << c.source;
+              static_cast<int>(c.utf8.size()))
+        << c.source;
     EXPECT_EQ(destination, c.utf8);
   }
   EXPECT_EQ(ConvertUTF8ToEncoding("a", nullptr, 0), 0);

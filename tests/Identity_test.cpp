@@ -84,11 +84,13 @@ void Check(std::initializer_list<AccountingCase> cases) {
 }
 
 TEST(Accounting, EveryJobSaysWhereItComesFrom) {
-  Check({{"no tickets: the login user all the same", "", "@JOAU=sam^"},
-         {"no management type", "JBAUserIDTextEditTicket=", ""},
-         {"unknown management type", "JBAManageTypeListTicketKey=3 JBAUserIDTextEditTicket=x", ""}});
-  EXPECT_EQ(AccountingLines("JBAIPAddressStringTicket=10.1.2.3 number-up=4 JBAUserIDTextEditTicket="),
-            Attributes("@CNAM=atlas$@LUNA=sam$@HOAD=10.1.2.3$@NLPP=N4$@ACNA=letter^"));
+  Check(
+      {{"no tickets: the login user all the same", "", "@JOAU=sam^"},
+       {"no management type", "JBAUserIDTextEditTicket=", ""},
+       {"unknown management type", "JBAManageTypeListTicketKey=3 JBAUserIDTextEditTicket=x", ""}});
+  EXPECT_EQ(
+      AccountingLines("JBAIPAddressStringTicket=10.1.2.3 number-up=4 JBAUserIDTextEditTicket="),
+      Attributes("@CNAM=atlas$@LUNA=sam$@HOAD=10.1.2.3$@NLPP=N4$@ACNA=letter^"));
 }
 
 TEST(Accounting, UnknownNamesHavePlaceholders) {
@@ -157,7 +159,8 @@ const std::string kInput =
     "JBAInputStorageIDTextEditTicket=t5 JBAInputStoragePasswordTextEditTicket=<tpw> ";
 
 TEST(Accounting, UserModeWithJobInput) {
-  const std::string byUser = kUser + "JBAUserInputRadioBtnTicket=1 JBAInputAuthRadioBtnTicketKey=1 ";
+  const std::string byUser =
+      kUser + "JBAUserInputRadioBtnTicket=1 JBAInputAuthRadioBtnTicketKey=1 ";
   const std::string byStorage =
       kUser + "JBAUserInputRadioBtnTicket=1 JBAInputStrgRadioBtnTicketKey=1 ";
   const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
@@ -187,8 +190,7 @@ TEST(Accounting, AdministratorMode) {
   const std::string input = admin + "JBAAdminUserInputRadioBtnTicket=1 ";
   const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
   Check({
-      {"login name", login + "JBAInfoListTicketKey=0", "", "",
-       "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
+      {"login name", login + "JBAInfoListTicketKey=0", "", "", "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
       {"login name, user account", login + "JBAInfoListTicketKey=1", "", "",
        "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
       {"login name, billing", login + "JBAInfoListTicketKey=2", "", "",
@@ -201,13 +203,13 @@ TEST(Accounting, AdministratorMode) {
        login + "JBAInfoListTicketKey=0 JBAAdminUserPasswordTextEditTicket=<apw> "
                "JBAAdminDomainNameTextEditTicket=hq JBAAdminAccountIDTextEditTicket=c1 "
                "JBAAdminStorageIDTextEditTicket=u2 JBAAdminStoragePasswordTextEditTicket=<upw>",
-       "", "",
-       "@JOAU=sam^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^" + kTitle + "@ACEP=<upw>^"},
-      {"entered name", entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2",
-       "", "", "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^" + kTitle + "@ACEP=^"},
+       "", "", "@JOAU=sam^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^" + kTitle + "@ACEP=<upw>^"},
+      {"entered name",
+       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2", "", "",
+       "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^" + kTitle + "@ACEP=^"},
       {"entered name with password",
-       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminUserPasswordTextEditTicket=<apw>", "", "",
-       "@JOAU=lee^@JOEP=<apw>^@DAID=^" + kTitle},
+       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminUserPasswordTextEditTicket=<apw>", "",
+       "", "@JOAU=lee^@JOEP=<apw>^@DAID=^" + kTitle},
       {"job input by user", input + kInput + "JBAInputAuthRadioBtnTicketKey=1", "", "",
        "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^" + kTitle},
       {"job input by user, placeholder form",
@@ -229,15 +231,15 @@ TEST(Accounting, AdministratorMode) {
 }
 
 TEST(Accounting, TextsAreCutToWhatTheDeviceTakes) {
-  const std::string settings = kUser +
-      "JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=2 JBAUserIDTextEditTicket=" +
+  const std::string settings =
+      kUser + "JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=2 JBAUserIDTextEditTicket=" +
       Repeat("\u00E9", 100) + " JBAAccountIDTextEditTicket=" + Repeat("\u00E9", 100);
   EXPECT_EQ(AccountingLines(settings, kUTF8PPD),
-            Attributes(kAlways + "@JOAU=" + Repeat("\u00E9", 48) + "^@JOEP=^@DAID=" +
-                       Repeat("\xE9", 32) + "^" + kTitle));
+            Attributes(kAlways + "@JOAU=" + Repeat("\u00E9", 48) +
+                       "^@JOEP=^@DAID=" + Repeat("\xE9", 32) + "^" + kTitle));
   EXPECT_EQ(AccountingLines(settings, kLatin1PPD),
-            Attributes(kAlways + "@JOAU=" + Repeat("\xE9", 96) + "^@JOEP=^@DAID=" +
-                       Repeat("\xE9", 32) + "^" + kTitle));
+            Attributes(kAlways + "@JOAU=" + Repeat("\xE9", 96) +
+                       "^@JOEP=^@DAID=" + Repeat("\xE9", 32) + "^" + kTitle));
 }
 
 std::string PrintTypeLines(const std::string& settings, const std::string& ppdLines = kLatin1PPD) {
@@ -254,7 +256,8 @@ std::string PrintTypeLines(const std::string& settings, const std::string& ppdLi
 TEST(PrintType, HoldsAndNamesTheJob) {
   const std::string name = "DocumentNameTypeTicketKey=1 ";
   const std::string entered = "DocumentNameTypeTicketKey=2 DocumentNameTicketKey=offer ";
-  const std::string user = "PrintTypeUserNameTicketKey=kim ", pw = "PrintTypePasswordTicketKey=<pw> ";
+  const std::string user = "PrintTypeUserNameTicketKey=kim ",
+                    pw = "PrintTypePasswordTicketKey=<pw> ";
   const std::string jobName = "@PJL SET JOBNAME=\"letter\"^";
   const std::string userLine = "@PJL SET USERNAME=\"kim\"^";
   const struct {
@@ -268,8 +271,8 @@ TEST(PrintType, HoldsAndNamesTheJob) {
            "@PJL SET HOLDENCRYPTKEY=\"<pw>\"^" + jobName,
        "@PJL SET HOLD=STORE$@PJL SET HOLDTYPE=PRIVATE$" + userLine +
            "@PJL SET HOLDENCRYPTKEY=\"<pw>\"^" + jobName},
-      {"secure without password", "PrintTypeTicketKey=2 " + user,
-       "@PJL SET HOLD=STORE$" + userLine, "@PJL SET HOLD=STORE$" + userLine},
+      {"secure without password", "PrintTypeTicketKey=2 " + user, "@PJL SET HOLD=STORE$" + userLine,
+       "@PJL SET HOLD=STORE$" + userLine},
       {"secure without user", "PrintTypeTicketKey=2 " + pw + name, jobName, jobName},
       {"sample", "PrintTypeTicketKey=3 " + user + entered,
        "@PJL SET HOLD=PROOF$" + userLine + "@PJL SET JOBNAME=\"offer\"^",
@@ -277,10 +280,13 @@ TEST(PrintType, HoldsAndNamesTheJob) {
       {"delayed", "PrintTypeTicketKey=4 DelayPrintTicketKey=18:30 " + user + name,
        jobName + "@PJL SET JOBATTR=\"@PRTM=18:30\"^", jobName},
       {"delayed without a time", "PrintTypeTicketKey=4", "", ""},
-      {"mailbox", "PrintTypeTicketKey=5 PrintTypeMBNTicketKey=12345 " + user + name +
-                      "PrintTypeMBNPasswordTicketKey=<mpw>",
+      {"mailbox",
+       "PrintTypeTicketKey=5 PrintTypeMBNTicketKey=12345 " + user + name +
+           "PrintTypeMBNPasswordTicketKey=<mpw>",
        "@PJL SET HOLD=BOXSTORE$@PJL SET HOLDTYPE=PRIVATE$@PJL SET BOXNUMBER=1234^"
-       "@PJL SET BOXENCRYPTKEY=\"<mpw>\"^" + jobName, jobName},
+       "@PJL SET BOXENCRYPTKEY=\"<mpw>\"^" +
+           jobName,
+       jobName},
       {"mailbox without number and password", "PrintTypeTicketKey=5",
        "@PJL SET HOLD=BOXSTORE$@PJL SET BOXNUMBER=^", ""},
       {"absent", user + entered, userLine + "@PJL SET JOBNAME=\"offer\"^",
@@ -297,10 +303,11 @@ TEST(PrintType, HoldsAndNamesTheJob) {
 }
 
 TEST(PrintType, NamesFillTheirFieldsInThePrintersLanguage) {
-  const std::string settings = "PrintTypeTicketKey=3 PrintTypeUserNameTicketKey=" +
-                               Repeat("\u00E9", 100);
-  EXPECT_EQ(PrintTypeLines(settings, kUTF8PPD),
-            WithLineEnds("@PJL SET HOLD=PROOF$@PJL SET USERNAME=\"" + Repeat("\u00E9", 48) + "\"^"));
+  const std::string settings =
+      "PrintTypeTicketKey=3 PrintTypeUserNameTicketKey=" + Repeat("\u00E9", 100);
+  EXPECT_EQ(
+      PrintTypeLines(settings, kUTF8PPD),
+      WithLineEnds("@PJL SET HOLD=PROOF$@PJL SET USERNAME=\"" + Repeat("\u00E9", 48) + "\"^"));
   EXPECT_EQ(PrintTypeLines(settings),
             WithLineEnds("@PJL SET HOLD=PROOF$@PJL SET USERNAME=\"" + Repeat("\xE9", 96) + "\"^"));
 }

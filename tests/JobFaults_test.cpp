@@ -117,8 +117,8 @@ TEST(JobFaults, BadFilesAndArgumentsHaveADefinedOutcome) {
 
 // A shell command line around the filter: status and standard error on its output.
 std::string Shell(const std::string& redirections) {
-  const std::string command = "exec 2>&1; " FILTER_BINARY " 1 user title 1 '' " + redirections +
-                              "; echo status $?";
+  const std::string command =
+      "exec 2>&1; " FILTER_BINARY " 1 user title 1 '' " + redirections + "; echo status $?";
   std::string said;
   if (FILE* pipe = popen(command.c_str(), "r")) {
     for (int c; (c = std::fgetc(pipe)) != EOF;) said += static_cast<char>(c);

@@ -20,9 +20,9 @@ const std::string kIdentity = [] {
   const auto attribute = [](const std::string& text) {
     return "@PJL SET JOBATTR=\"" + text + "\"";
   };
-  return attribute("@CNAM=" + std::string(host).substr(0, 32)) + "\n" +
-         attribute("@LUNA=user") + "\n" + attribute("@NLPP=1") + "\n" +
-         attribute("@JOAU=user") + "\r\n" + attribute("@ACNA=title") + "\r\n";
+  return attribute("@CNAM=" + std::string(host).substr(0, 32)) + "\n" + attribute("@LUNA=user") +
+         "\n" + attribute("@NLPP=1") + "\n" + attribute("@JOAU=user") + "\r\n" +
+         attribute("@ACNA=title") + "\r\n";
 }();
 const std::string kJobMode = "@PJL JOB MODE=PRINTER\r\n" + kIdentity;
 const std::string kGray = "@PJL SET RENDERMODE=GRAYSCALE\n";
@@ -46,8 +46,7 @@ std::string ReadFile(const std::string& path) {
 
 TEST(Job, WithoutAPPDIsFramedAndPassedThrough) {
   const FilterResult result = RunFilter(JobWith("%!PS\nep\nshowpage\n%%EOF\nunfinished"));
-  EXPECT_EQ(result.output,
-            kPlainHeader + kEnterPS + "%!PS\nep\nshowpage\n%%EOF\n\x04" + kTrailer);
+  EXPECT_EQ(result.output, kPlainHeader + kEnterPS + "%!PS\nep\nshowpage\n%%EOF\n\x04" + kTrailer);
   EXPECT_EQ(result.messages, "PAGE:1 1\n");
   EXPECT_EQ(result.exitStatus, 0);
 }
@@ -58,9 +57,9 @@ TEST(Job, HeaderFollowsThePPD) {
   const std::string latin1 = "*ZLVPrinterLanguageEncoding: \"ISOLatin1\"\n";
   const std::string commentOn = "*CommentOn: \"True\"\n";
   const std::string basic = kComment + "BEGIN\n" + kComment +
-                            "PDLTYPE=PDL[POSTSCRIPT]:VERSION[3]\n" + kComment +
-                            "JOBTYPE=PRINT\n" + kComment + "DUPLEXTYPE=SIMPLEX\n" + kComment +
-                            "COLORMODE=GRAYSCALE\n" + kComment + "NUP=1\n";
+                            "PDLTYPE=PDL[POSTSCRIPT]:VERSION[3]\n" + kComment + "JOBTYPE=PRINT\n" +
+                            kComment + "DUPLEXTYPE=SIMPLEX\n" + kComment + "COLORMODE=GRAYSCALE\n" +
+                            kComment + "NUP=1\n";
   const std::string advanced = kComment + "ORIENTATION=PORTRAIT\n" + kComment +
                                "MIXEDSIZETYPE=NONE\n" + kComment + "CUD=OFF\n";
   const std::string end = kComment + "END\n";
@@ -72,12 +71,9 @@ TEST(Job, HeaderFollowsThePPD) {
     std::string header;
   } cases[] = {
       {"UTF-8", utf8, kUTF8Header + kEnterPS},
-      {"UTF-8 with comment", utf8 + commentOn,
-       kUTF8Header + longBlock + kEnterPS},
-      {"comment is case-sensitive", utf8 + "*CommentOn: \"true\"\n",
-       kUTF8Header + kEnterPS},
-      {"another encoding always has the short block", latin1,
-       kPlainHeader + shortBlock + kEnterPS},
+      {"UTF-8 with comment", utf8 + commentOn, kUTF8Header + longBlock + kEnterPS},
+      {"comment is case-sensitive", utf8 + "*CommentOn: \"true\"\n", kUTF8Header + kEnterPS},
+      {"another encoding always has the short block", latin1, kPlainHeader + shortBlock + kEnterPS},
       {"another encoding, whatever CommentOn says", latin1 + commentOn,
        kPlainHeader + shortBlock + kEnterPS},
       {"no encoding, no model", commentOn, kPlainHeader + kEnterPS},

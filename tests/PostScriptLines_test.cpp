@@ -74,17 +74,18 @@ TEST(PostScriptLines, FindsWholeTokenLinesOnly) {
       {1000});
   std::vector<std::string> lines;
   for (const auto& token : parts.tokens) lines.push_back(token.second);
-  EXPECT_EQ(lines, (std::vector<std::string>{
-                       "ep\n", "bp\r", "%%EndProlog\r", "endp\n", "showpage\n",
-                       "userdict/setpagedevice{pop}bind put\n", "%%EndSetup\n",
-                       "%%BeginProlog\n", "%%EndPageSetup\n"}));
+  EXPECT_EQ(lines,
+            (std::vector<std::string>{"ep\n", "bp\r", "%%EndProlog\r", "endp\n", "showpage\n",
+                                      "userdict/setpagedevice{pop}bind put\n", "%%EndSetup\n",
+                                      "%%BeginProlog\n", "%%EndPageSetup\n"}));
   EXPECT_EQ(ByTheReader(std::string("ep\0\nep\n", 7), {3}).tokens.size(), 1u);
 }
 
 TEST(PostScriptLines, PassesLongLinesOnInPieces) {
   for (std::size_t length : {8063u, 8064u, 8065u, 8066u, 10000u, 16130u, 200000u}) {
     const std::string line(length, 'x');
-    for (const std::string& job : {line, line + "\n", line + "ep\nep\n", "\n" + line, line + "\rend"}) {
+    for (const std::string& job :
+         {line, line + "\n", line + "ep\nep\n", "\n" + line, line + "\rend"}) {
       EXPECT_EQ(ByTheReader(job, {4096}), ByTheLetter(job)) << length;
     }
   }
@@ -99,11 +100,21 @@ TEST(PostScriptLines, RandomJobsArriveWholeInRandomChunks) {
     std::string job;
     for (std::size_t count = below(200); count > 0; count--) {
       switch (below(8)) {
-        case 0: job += std::string(below(9) == 0 ? below(20000) : below(80), 'e'); break;
-        case 1: job += static_cast<char>(below(256)); break;
-        case 2: job += "%%" + std::string(below(3), 'E'); break;
-        case 3: job += "12.5 40 moveto"; break;
-        default: job += kPostScriptTokens[below(std::size(kPostScriptTokens))].line; break;
+        case 0:
+          job += std::string(below(9) == 0 ? below(20000) : below(80), 'e');
+          break;
+        case 1:
+          job += static_cast<char>(below(256));
+          break;
+        case 2:
+          job += "%%" + std::string(below(3), 'E');
+          break;
+        case 3:
+          job += "12.5 40 moveto";
+          break;
+        default:
+          job += kPostScriptTokens[below(std::size(kPostScriptTokens))].line;
+          break;
       }
       if (below(6) != 0) job += ends[below(4)];
     }

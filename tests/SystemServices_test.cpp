@@ -74,7 +74,8 @@ TEST(SystemVersion, AnswersSelectorsAndReportsUnknownOnes) {
 }
 
 TEST(PPDAccess, FindsTheFirstAttributeThatBeginsWithTheName) {
-  const UsedPPD ppd("*ZLVPSDecompModeExtra: \"1\"\n*ZLVPSDecompMode: \"0\"\n*ColorDevice: True\n"
+  const UsedPPD ppd(
+      "*ZLVPSDecompModeExtra: \"1\"\n*ZLVPSDecompMode: \"0\"\n*ColorDevice: True\n"
       "*ZLVPrinterLanguageEncoding: \"UTF-8\"\n*ZLVXPrintTypeSettings: \"Default03,Default04\"\n");
   EXPECT_STREQ(JobPPDValue("ZLVPSDecompMode"), "1");
   EXPECT_TRUE(PrinterDecomposesPostScript());
@@ -112,8 +113,13 @@ TEST(JobOptions, ReadsNumbersAsTheCLibraryDoes) {
   const struct {
     const char* text;
     int number;
-  } cases[] = {{"12", 12},          {" -7x", -7},  {"+3", 3}, {"", 0}, {"x", 0},
-               {"4294967296", 2147483647}, {"-99999999999999999999", -2147483647 - 1}};
+  } cases[] = {{"12", 12},
+               {" -7x", -7},
+               {"+3", 3},
+               {"", 0},
+               {"x", 0},
+               {"4294967296", 2147483647},
+               {"-99999999999999999999", -2147483647 - 1}};
   for (const auto& c : cases) EXPECT_EQ(DecimalInteger(c.text), c.number) << c.text;
 }
 

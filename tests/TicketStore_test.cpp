@@ -26,12 +26,12 @@ struct Sample {
 Sample sample;
 
 constexpr TicketData kSampleTickets[] = {
-    Ticket(TICKET_KEY("NumberTicket"), sample.number, GetTicketInteger),
-    Ticket(TICKET_KEY("NumberTicket"), sample.absent, CheckTicketKey),
-    Ticket("angle", sample.angle, GetTicketFloat),
-    Ticket("text", sample.plain, GetTicketString),
-    Ticket("text", sample.latin1, GetTicketStringConvertedToPrtLang),
-    Ticket("text", sample.utf8, GetTicketStringConvertedToPrtLangForUTF8),
+    Ticket<GetTicketInteger>(TICKET_KEY("NumberTicket"), sample.number),
+    Ticket<CheckTicketKey>(TICKET_KEY("NumberTicket"), sample.absent),
+    Ticket<GetTicketFloat>("angle", sample.angle),
+    Ticket<GetTicketString>("text", sample.plain),
+    Ticket<GetTicketStringConvertedToPrtLang>("text", sample.latin1),
+    Ticket<GetTicketStringConvertedToPrtLangForUTF8>("text", sample.utf8),
 };
 
 Sample Intake(const std::string& options) {
@@ -58,13 +58,18 @@ TEST(TicketStore, ReadsNumbers) {
     const char* text;
     std::int32_t integer;
     float decimal;
-  } cases[] = {{"7", 7, 7},          {"-30", -30, -30},   {"12.75mm", 12, 12.75F},
-               {"abc", 0, 0},        {"0.1", 0, 0.1F},    {"9999999999", 2147483647, 1e10F},
-               {"1e400", 1, INFINITY}, {"16777217", 16777217, 16777216}};
+  } cases[] = {{"7", 7, 7},
+               {"-30", -30, -30},
+               {"12.75mm", 12, 12.75F},
+               {"abc", 0, 0},
+               {"0.1", 0, 0.1F},
+               {"9999999999", 2147483647, 1e10F},
+               {"1e400", 1, INFINITY},
+               {"16777217", 16777217, 16777216}};
   for (const auto& c : cases) {
     const std::string text = c.text;
-    const Sample got = Intake("com.zelva.jt.printsettings.ps.ww.NumberTicket=" + text +
-                              " angle=" + text);
+    const Sample got =
+        Intake("com.zelva.jt.printsettings.ps.ww.NumberTicket=" + text + " angle=" + text);
     EXPECT_EQ(got.number, c.integer) << text;
     EXPECT_EQ(got.absent, 0);
     EXPECT_EQ(got.angle, c.decimal) << text;
@@ -164,8 +169,8 @@ TEST(TicketStore, PasswordsThatDoNotOpenCountAsEmpty) {
   EXPECT_EQ(get("key=not*base64"), Got(0, ""));
   EXPECT_EQ(get("key="), Got(0, ""));
   EXPECT_EQ(get("key=" + std::string(1400, 'A')), Got(0, ""));  // cut to 1023 characters
-  for (const std::string& value : {Base64("seventeen bytes!!"), Base64(std::string(32, 'z')),
-                                   Stored(std::string(256, 'p'))}) {
+  for (const std::string& value :
+       {Base64("seventeen bytes!!"), Base64(std::string(32, 'z')), Stored(std::string(256, 'p'))}) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(get("key=" + value), Got(1, ""));
     const std::string said = testing::internal::GetCapturedStdout();

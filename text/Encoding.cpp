@@ -12,7 +12,9 @@ constexpr std::size_t kParenthesisedUnits = 255;  // the device's string buffer,
 constexpr char32_t kLastLatin1 = 0xFF;
 constexpr char32_t kLastSingleUnit = 0xFFFF;
 
-bool IsValid(std::string_view text) { return utf8::is_valid(text.begin(), text.end()); }
+bool IsValid(std::string_view text) {
+  return utf8::is_valid(text.begin(), text.end());
+}
 
 // Calls visit(character, bytes) for each character of valid UTF-8 text until it returns false.
 template <typename Visit>
@@ -24,7 +26,9 @@ void ForEachCharacter(std::string_view text, Visit visit) {
   }
 }
 
-std::size_t UnitsOf(char32_t character) { return character > kLastSingleUnit ? 2 : 1; }
+std::size_t UnitsOf(char32_t character) {
+  return character > kLastSingleUnit ? 2 : 1;
+}
 
 // Clears the destination and appends what encode(character, bytes) gives for each character, a
 // view valid until the next call, until the destination is full.

@@ -37,7 +37,9 @@ bool InRanges(std::int32_t value, const ValidateDataScale::Ranges& ranges) {
   return false;
 }
 
-std::int32_t ByteAt(const char* text) { return static_cast<unsigned char>(*text); }
+std::int32_t ByteAt(const char* text) {
+  return static_cast<unsigned char>(*text);
+}
 
 // Two bytes, the terminator counting as the second one; 0 at the end of the text.
 std::int32_t WordAt(const char* text) {
@@ -98,10 +100,10 @@ const ValidateDataScale userNameValidateDataScale = {{1, {{0x20, 0x7E}}}, {}};
 const ValidateDataScale userNameValidateDataScaleForUTF8 = {{1, {{0x20, 0xFF}}},
                                                             {1, {{0x0020, 0xFFFF}}}};
 const ValidateDataScale docuNameValidateDataScale = {{1, {{0x20, 0x7E}}}, {}};
-const ValidateDataScale docuNameValidateDataScaleForProduct02 = {
-    {2, {{0x20, 0x7E}, {0x00, 0x00}}}, {}};
-const ValidateDataScale docuNameValidateDataScaleForProduct03 = {
-    {2, {{0x20, 0x7E}, {0x00, 0x00}}}, {}};
+const ValidateDataScale docuNameValidateDataScaleForProduct02 = {{2, {{0x20, 0x7E}, {0x00, 0x00}}},
+                                                                 {}};
+const ValidateDataScale docuNameValidateDataScaleForProduct03 = {{2, {{0x20, 0x7E}, {0x00, 0x00}}},
+                                                                 {}};
 const ValidateDataScale docuNameValidateDataScaleForProduct03UTF8 = {{1, {{0x20, 0xFF}}},
                                                                      {1, {{0x0020, 0x00FF}}}};
 

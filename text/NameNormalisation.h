@@ -10,7 +10,7 @@
 // The characters a device takes in a name. Pairs beyond the counts are zero.
 struct ValidateDataScale {
   struct Ranges {
-    std::int32_t count;  // ranges in use
+    std::int32_t count;                                // ranges in use
     std::pair<std::int32_t, std::int32_t> bounds[10];  // lowest and highest, both taken
   };
   Ranges bytes;  // compared with one byte

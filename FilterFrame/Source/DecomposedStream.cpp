@@ -43,9 +43,9 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // What the features met so far have decided.
 struct FeatureState {
-  int resolution = 0;                // 600 or 1200 once the output mode says so
-  bool resolutionPending = true;     // its lines are still to be written
-  bool defaultsPending = true;       // the lines of features that the PPD does not offer, likewise
+  int resolution = 0;             // 600 or 1200 once the output mode says so
+  bool resolutionPending = true;  // its lines are still to be written
+  bool defaultsPending = true;    // the lines of features that the PPD does not offer, likewise
 };
 
 // A feature comment's keyword, with its asterisk, and value; a missing one is empty.
@@ -71,7 +71,9 @@ std::string_view WithoutLineEnd(std::string_view line) {
   return line.substr(0, std::min(line.find_first_of("\r\n"), line.size()));
 }
 
-void Put(const char* line) { ZRfputs(line, stdout); }
+void Put(const char* line) {
+  ZRfputs(line, stdout);
+}
 
 // Screens and tone curves of monochrome devices go by one setting.
 void PutHalftone(const std::string& value) {
@@ -119,7 +121,9 @@ bool ContainsAll(std::string_view line, const char* const* names) {
   return true;
 }
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // Writes an attribute for each number of one or two digits: its name is the four characters in
 // front of the separator in front of the number.
@@ -175,8 +179,8 @@ class SettingsSearch {
   bool atLineStart_ = true;
 };
 
-// Spools the job up to its last byte and writes what its settings imply. False when it was cancelled
-// or the spool file did not take it.
+// Spools the job up to its last byte and writes what its settings imply. False when it was
+// cancelled or the spool file did not take it.
 bool SpoolLines(PostScriptLines& lines, std::FILE* spool, char* argv[]) {
   StreamPosition position;
   FeatureState features;
@@ -273,8 +277,8 @@ std::string GetSubString(std::string_view text, long first, long last) {
   first = std::max(first, 0L);
   last = std::min(last, static_cast<long>(text.size()) - 1);
   if (last < first) return {};
-  return std::string(text.substr(static_cast<std::size_t>(first),
-                                 static_cast<std::size_t>(last - first + 1)));
+  return std::string(
+      text.substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first + 1)));
 }
 
 void outputXPJLCommandFromArray(const char* const* names, const int* values) {

@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-// Name of the spool file of the job, and the format of the name on older systems, which no job uses.
+// Name of the spool file of the job, and the format of the name on older systems, which no job
+// uses.
 extern char PPDPJLOutFilePath[255];
 inline constexpr char PPDPJLOutFileFormat[] = "/private/tmp/\"zlv\"\"PPDPJL%s.job\"";
 
@@ -20,8 +21,8 @@ extern const char* const TRCSCRCommand[];
 // leaves the spool file behind.
 void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]);
 
-// A copy of text[first..last], both included; empty when `last` is before `first`. What lies outside
-// the text is left out.
+// A copy of text[first..last], both included; empty when `last` is before `first`. What lies
+// outside the text is left out.
 std::string GetSubString(std::string_view text, long first, long last);
 
 // Writes an attribute line to standard output for each name of a list with the value at its index.

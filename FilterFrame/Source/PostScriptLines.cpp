@@ -38,15 +38,20 @@ constexpr auto kFirstBytes = [] {
   return std::pair(bytes, count + 1);
 }();
 
-constexpr bool IsLineEnd(char c) { return (c == '\n') | (c == '\r'); }
-
-// Whether a token line may begin with `second`, which stands behind `first`. No branches: it is
-// evaluated for many bytes at once.
-template <std::size_t... Index>
-constexpr bool MayBeginToken(char first, char second, std::index_sequence<Index...>) {
-  return IsLineEnd(first) & ((second == kFirstBytes.first[Index]) | ...);
+constexpr bool IsLineEnd(char c) {
+  return c == '\n' || c == '\r';
 }
-constexpr bool MayBeginToken(const char* at) {
+
+// Whether a token line may begin with `second`, which stands behind `first`: 1 or 0. In bytes and
+// without branches, since it is evaluated for many places at once.
+using Flag = unsigned char;
+template <std::size_t... Index>
+constexpr Flag MayBeginToken(char first, char second, std::index_sequence<Index...>) {
+  const Flag behindLineEnd = static_cast<Flag>(Flag{first == '\n'} | Flag{first == '\r'});
+  const Flag isFirstByte = static_cast<Flag>((Flag{second == kFirstBytes.first[Index]} | ...));
+  return behindLineEnd & isFirstByte;
+}
+constexpr Flag MayBeginToken(const char* at) {
   return MayBeginToken(at[-1], at[0], std::make_index_sequence<kFirstBytes.second>());
 }
 
@@ -55,13 +60,13 @@ constexpr bool MayBeginToken(const char* at) {
 const char* FindCandidate(const char* from, const char* end) {
   constexpr std::ptrdiff_t kStride = 64;
   for (; end - from >= kStride; from += kStride) {
-    unsigned char found = 0;
+    Flag found = 0;
     for (std::ptrdiff_t i = 0; i < kStride; i++) {
-      found = static_cast<unsigned char>(found | MayBeginToken(from + i));
+      found = static_cast<Flag>(found | MayBeginToken(from + i));
     }
     if (found != 0) break;
   }
-  return std::find_if(from, end, [](const char& c) { return MayBeginToken(&c); });
+  return std::find_if(from, end, [](const char& c) { return MayBeginToken(&c) != 0; });
 }
 
 const PostScriptToken* MatchToken(std::string_view line) {
@@ -76,7 +81,7 @@ const PostScriptToken* MatchToken(std::string_view line) {
 PostScriptLines::PostScriptLines(int fd, Wishes wishes)
     : fd_(fd),
       wishes_(wishes),
-      buffer_(std::make_unique_for_overwrite<char[]>(1 + kBlockSize)),
+      buffer_(new char[1 + kBlockSize]),
       begin_(buffer_.get() + 1),
       end_(begin_),
       scan_(begin_) {
@@ -95,10 +100,10 @@ bool PostScriptLines::next(Piece& piece) {
     }
     const bool isWished = wished(candidate);
     const std::size_t longest = isWished ? kLinePieceSize : kLongestToken + 1;
-    const char* limit =
-        candidate + std::min(static_cast<std::size_t>(end_ - candidate), longest);
+    const char* limit = candidate + std::min(static_cast<std::size_t>(end_ - candidate), longest);
     const char* lineEnd = std::find_if(candidate, limit, IsLineEnd);
-    const bool undecided = lineEnd == limit && static_cast<std::size_t>(limit - candidate) < longest;
+    const bool undecided =
+        lineEnd == limit && static_cast<std::size_t>(limit - candidate) < longest;
     const PostScriptToken* token =
         MatchToken({candidate, static_cast<std::size_t>(lineEnd - candidate)});
     const bool single = lineEnd != limit && (token != nullptr || isWished);

@@ -15,12 +15,13 @@ struct PostScriptToken {
   std::string_view line;  // the whole line, without its terminator
   int hookCode;
   HookPlace hookPlace;
-  bool endsPage;       // the page counter goes up before the hook, the output is flushed after
-  bool logsPage;       // CUPS is told of the page
-  bool pollsCancel;    // a cancelled job ends in front of this line
-  bool onlyFirst;      // the hook is called at the first such line of a job only
+  bool endsPage;     // the page counter goes up before the hook, the output is flushed after
+  bool logsPage;     // CUPS is told of the page
+  bool pollsCancel;  // a cancelled job ends in front of this line
+  bool onlyFirst;    // the hook is called at the first such line of a job only
 };
 
+// clang-format off
 inline constexpr PostScriptToken kPostScriptTokens[] = {
     // line             hook                  endsPage logsPage pollsCancel onlyFirst
     {"%%BeginProlog",   13, HookPlace::kAfter,  false, false, false, false},
@@ -34,6 +35,7 @@ inline constexpr PostScriptToken kPostScriptTokens[] = {
     {"endp",            28, HookPlace::kBefore, true,  false, true,  false},
     {"showpage",         0, HookPlace::kNone,   false, false, true,  false},
 };
+// clang-format on
 
 // Over-long lines are passed on in pieces of this many bytes. Neither a piece nor the rest of its
 // line is a token; of an unfinished last line only whole pieces are passed on.
@@ -46,7 +48,7 @@ class PostScriptLines {
   struct Wishes {
     // Lines that begin so come singly. It must begin as some token does and be no longer than one.
     std::string_view prefix = {};
-    bool holdLastByte = false;     // the job's last byte is not part of it: see lastByte()
+    bool holdLastByte = false;  // the job's last byte is not part of it: see lastByte()
   };
 
   // `fd` stays the caller's.

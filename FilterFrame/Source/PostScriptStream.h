@@ -31,7 +31,7 @@ inline constexpr char kEndOfTransmission = 4;
 
 // Where a stream stands.
 struct StreamPosition {
-  int page = 0;             // pages ended so far
+  int page = 0;              // pages ended so far
   bool prologEnded = false;  // the first line of the kind that counts only once has passed
 };
 

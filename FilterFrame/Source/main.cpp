@@ -70,9 +70,13 @@ void ReadDocumentName(char* argv[], bool utf8) {
   }
 }
 
-void SignalHandler(int /*signal*/) { CancelJob = 1; }
+void SignalHandler(int /*signal*/) {
+  CancelJob = 1;
+}
 
-void SignalPipeHandler(int /*signal*/) { CancelJobForPipe = 1; }
+void SignalPipeHandler(int /*signal*/) {
+  CancelJobForPipe = 1;
+}
 
 // Interrupted reads and writes go on: a cancelled job ends at its next page boundary.
 void InstallHandler(int signal, void (*handler)(int)) {

@@ -27,8 +27,8 @@ constexpr std::int32_t JBAUserNameNotExist = 1;
 
 }  // namespace
 
-#define TICKET(suffix, field, getter) Ticket(TICKET_KEY(suffix), xpjlOptionJBA.field, getter),
-#define BUFFER_TICKET(key, buffer, size, getter) Ticket(key, buffer, getter, size),
+#define TICKET(suffix, field, getter) Ticket<getter>(TICKET_KEY(suffix), xpjlOptionJBA.field),
+#define BUFFER_TICKET(key, buffer, size, getter) Ticket<getter>(key, buffer, size),
 #define COMMON_TICKETS "modules/accounting/JBACommonTickets.def"
 #define ADMIN_TICKETS "modules/accounting/JBAAdminTickets.def"
 

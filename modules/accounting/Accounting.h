@@ -10,8 +10,8 @@
 // The accounting record, filled from the job options. Texts hold what the device allows and a
 // terminator, in the printer's language encoding; passwords are sealed for the device, in Base64.
 struct JBAOption {
-  char hostName[33];   // host as the dialog saw it; the line uses HostNameStr
-  char ipAddress[46];  // address as the dialog saw it
+  char hostName[33];         // host as the dialog saw it; the line uses HostNameStr
+  char ipAddress[46];        // address as the dialog saw it
   std::int32_t infoList;     // 0 none, 1 user account, 2 billing, 3 all; -1 absent
   std::int32_t infoSetList;  // 8: user and account in their placeholder forms
   std::int32_t manageType;   // 2 user mode, 1 administrator mode

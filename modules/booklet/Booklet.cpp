@@ -17,8 +17,8 @@ const char* ImpositionOrientation() {
   const int numberUp = DecimalInteger(psoptioncomment.numberUp);
   const int orientation = psoptioncomment.orientation;
   const bool turnsPages = numberUp == 2 || numberUp == 6;
-  const bool landscape = turnsPages ? orientation == 1 || orientation == 6
-                                    : orientation == 4 || orientation == 5;
+  const bool landscape =
+      turnsPages ? orientation == 1 || orientation == 6 : orientation == 4 || orientation == 5;
   return landscape ? "LANDSCAPE" : "PORTRAIT";
 }
 

@@ -16,7 +16,7 @@
 
 CommentOption psoptioncomment;
 
-#define TICKET(key, field, getter) Ticket(key, psoptioncomment.field, getter),
+#define TICKET(key, field, getter) Ticket<getter>(key, psoptioncomment.field),
 constexpr TicketData CommentticketData[] = {
 #include "modules/comment/CommentTickets.def"
 };
@@ -32,10 +32,10 @@ struct Word {
 };
 
 constexpr Word kStaplePositions[] = {
-    {"LeftDouble", "LEFTDUAL"},         {"UpperLeftSingle", "TOPLEFT"},
-    {"TopDouble", "TOPDUAL"},           {"UpperRightSingle", "TOPRIGHT"},
-    {"RightDouble", "RIGHTDUAL"},       {"LowerRightSingle", "BOTTOMRIGHT"},
-    {"BottomDouble", "BOTTOMDUAL"},     {"LowerLeftSingle", "BOTTOMLEFT"},
+    {"LeftDouble", "LEFTDUAL"},     {"UpperLeftSingle", "TOPLEFT"},
+    {"TopDouble", "TOPDUAL"},       {"UpperRightSingle", "TOPRIGHT"},
+    {"RightDouble", "RIGHTDUAL"},   {"LowerRightSingle", "BOTTOMRIGHT"},
+    {"BottomDouble", "BOTTOMDUAL"}, {"LowerLeftSingle", "BOTTOMLEFT"},
 };
 constexpr Word kPunchLocations[] = {
     {"Left", "LEFT"}, {"Top", "TOP"}, {"Right", "RIGHT"}, {"Bottom", "BOTTOM"}};
@@ -66,9 +66,13 @@ struct OrientationRow {
   const char* words[4];
 };
 constexpr OrientationRow kOrientations[] = {
-    {Binding::kLeft, {1, 4, 9, 16}, {"LANDSCAPE", "ROTATEDPORTRAIT", "ROTATEDPORTRAIT", "LANDSCAPE"}},
+    {Binding::kLeft,
+     {1, 4, 9, 16},
+     {"LANDSCAPE", "ROTATEDPORTRAIT", "ROTATEDPORTRAIT", "LANDSCAPE"}},
     {Binding::kLeft, {2, 6}, {"ROTATEDPORTRAIT", "LANDSCAPE", "LANDSCAPE", "ROTATEDPORTRAIT"}},
-    {Binding::kRight, {1, 4, 9, 16}, {"ROTATEDLANDSCAPE", "PORTRAIT", "PORTRAIT", "ROTATEDLANDSCAPE"}},
+    {Binding::kRight,
+     {1, 4, 9, 16},
+     {"ROTATEDLANDSCAPE", "PORTRAIT", "PORTRAIT", "ROTATEDLANDSCAPE"}},
     {Binding::kRight, {2, 6}, {"PORTRAIT", "ROTATEDLANDSCAPE", "ROTATEDLANDSCAPE", "PORTRAIT"}},
     {Binding::kNone, {1}, {"PORTRAIT", "LANDSCAPE", "ROTATEDLANDSCAPE", "ROTATEDPORTRAIT"}},
     {Binding::kNone, {2, 6}, {"LANDSCAPE", "PORTRAIT", "PORTRAIT", "LANDSCAPE"}},
@@ -88,11 +92,19 @@ constexpr struct {
     {6, "LEFTTOUP", "DOWNTHENLEFT"},
 };
 
-bool Is(const char* field, std::string_view value) { return field == value; }
-bool IsEmpty(const char* field) { return *field == '\0'; }
-bool IsSet(const char* field) { return !IsEmpty(field) && !Is(field, "None"); }
+bool Is(const char* field, std::string_view value) {
+  return field == value;
+}
+bool IsEmpty(const char* field) {
+  return *field == '\0';
+}
+bool IsSet(const char* field) {
+  return !IsEmpty(field) && !Is(field, "None");
+}
 
-void Put(const char* line) { ZRfputs(line, stdout); }
+void Put(const char* line) {
+  ZRfputs(line, stdout);
+}
 void PutInfo(const char* item, const char* value) {
   OutputFormattedLine(stdout, INFO "%s=%s\n", item, value);
 }
@@ -264,8 +276,14 @@ void OutputXPJLCommandforCommentAdvanced() {
   PutInfo("CUD", "OFF");
 }
 
-void OutputXPJLCommandforCommentVersionLow() { Put(INFO "VERSION=1.3.0\n"); }
+void OutputXPJLCommandforCommentVersionLow() {
+  Put(INFO "VERSION=1.3.0\n");
+}
 
-void OutputXPJLCommandforCommentVersionHigh() { Put(INFO "VERSION=1.5.0\n"); }
+void OutputXPJLCommandforCommentVersionHigh() {
+  Put(INFO "VERSION=1.5.0\n");
+}
 
-void OutputXPJLCommandforCommentEnd() { Put(INFO "END\n"); }
+void OutputXPJLCommandforCommentEnd() {
+  Put(INFO "END\n");
+}

@@ -47,7 +47,9 @@ constexpr int kBeforeEndSetup = 16;
 constexpr int kBeforeSetPageDeviceGoes = 21;
 
 // What the device does not know must neither stop the job nor leave anything on the stack.
-void BeginSnippet(std::FILE* stream) { ZRfprintf(stream, "[{\n%%BeginNonPPDFeatures\n"); }
+void BeginSnippet(std::FILE* stream) {
+  ZRfprintf(stream, "[{\n%%BeginNonPPDFeatures\n");
+}
 void EndSnippet(std::FILE* stream) {
   ZRfprintf(stream, "%%EndNonPPDFeatures\n} stopped cleartomark\n");
 }
@@ -60,8 +62,8 @@ bool SeveralPagesPerSheet() {
 
 }  // namespace
 
-#define TICKET(suffix, field, getter) Ticket(TICKET_KEY(suffix), xpjlOptionFeatures.field, getter),
-#define OPTION(key, field, getter) Ticket(key, xpjlOptionFeatures.field, getter),
+#define TICKET(suffix, field, getter) Ticket<getter>(TICKET_KEY(suffix), xpjlOptionFeatures.field),
+#define OPTION(key, field, getter) Ticket<getter>(key, xpjlOptionFeatures.field),
 constexpr TicketData FeaturesticketData[] = {
 #include "modules/features/FeaturesTickets.def"
 };

@@ -16,7 +16,7 @@
 
 PBindOption psoptionpbind;
 
-#define TICKET(key, field, getter) Ticket(key, psoptionpbind.field, getter),
+#define TICKET(key, field, getter) Ticket<getter>(key, psoptionpbind.field),
 constexpr TicketData PBindticketData[] = {
 #include "modules/perfectbind/PBindTickets.def"
 };
@@ -65,8 +65,12 @@ constexpr struct {
     {"", false, true, true, nullptr},
 };
 
-bool Is(const char* field, std::string_view value) { return field == value; }
-bool IsSet(const char* field) { return *field != '\0'; }
+bool Is(const char* field, std::string_view value) {
+  return field == value;
+}
+bool IsSet(const char* field) {
+  return *field != '\0';
+}
 
 void NormalisePosition() {
   PBindOption& option = psoptionpbind;
@@ -80,9 +84,8 @@ void NormalisePosition() {
 
 void NormaliseCuts() {
   PBindOption& option = psoptionpbind;
-  const auto row = std::find_if(
-      std::begin(kTrimmings), std::end(kTrimmings) - 1,
-      [&](const auto& mode) { return Is(option.trimming, mode.option); });
+  const auto row = std::find_if(std::begin(kTrimmings), std::end(kTrimmings) - 1,
+                                [&](const auto& mode) { return Is(option.trimming, mode.option); });
   if (row->cut != nullptr) {
     CopyBounded(option.cutPositionTop, row->cut);
     CopyBounded(option.cutPositionFore, row->cut);
@@ -257,6 +260,7 @@ void OutputXPJLCommandforPBindDigital(const char* value, int multiplier, const c
 
 void convertPBindPPDValue(const char* value, char* out, std::size_t size) {
   for (const PBindWord* row = PerfectBindParam; row->ppdValue != nullptr; row++) {
-    if (std::strcmp(row->ppdValue, value) == 0) return void(CopyBounded(out, size, row->deviceWord));
+    if (std::strcmp(row->ppdValue, value) == 0)
+      return void(CopyBounded(out, size, row->deviceWord));
   }
 }

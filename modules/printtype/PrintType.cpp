@@ -29,7 +29,7 @@ bool DeviceTakesPartTable() {
 
 }  // namespace
 
-#define TICKET(suffix, field, getter) Ticket(TICKET_KEY(suffix), xpjlOptionPrintType.field, getter),
+#define TICKET(suffix, field, getter) Ticket<getter>(TICKET_KEY(suffix), xpjlOptionPrintType.field),
 #define TICKETS "modules/printtype/PrintTypeTickets.def"
 
 #define UserText GetTicketStringConvertedToPrtLang

@@ -74,7 +74,9 @@ constexpr auto MakeFeatureTable() {
   return table;
 }
 
-void Put(const char* line) { ZRfputs(line, stdout); }
+void Put(const char* line) {
+  ZRfputs(line, stdout);
+}
 
 void PutFeature(const char* keyword, const char* choice) {
   const std::string feature = std::string("*") + keyword;
@@ -90,8 +92,11 @@ bool PPDOffersColorMode() {
 constexpr struct {
   std::string_view option;
   const char* choice;
-} kTonerSavers[] = {
-    {"false", "False"}, {"true", "True"}, {"Mode1", "Mode1"}, {"Mode2", "Mode2"}, {"Mode3", "Mode3"}};
+} kTonerSavers[] = {{"false", "False"},
+                    {"true", "True"},
+                    {"Mode1", "Mode1"},
+                    {"Mode2", "Mode2"},
+                    {"Mode3", "Mode3"}};
 
 // A rate of the user's own stands behind a prefix of seven characters; seven of its own are read.
 void PutUserReductionRate() {
@@ -138,16 +143,15 @@ constexpr std::array<FeatureLine, kFeatureLineCount> FeaturePPDKeyNameandMarkedV
     MakeFeatureTable();
 
 constexpr PPDKeyDefault PPDKeyArray[] = {
-    {"ZLVSetTrapMode", "False"},
-    {"ZLVGrayBalance", "False"},
-    {"ZLVBrightnes", "Normal"},
-    {"ZLVRGBInputProfile", "SRGB"},
+    {"ZLVSetTrapMode", "False"},   {"ZLVGrayBalance", "False"},
+    {"ZLVBrightnes", "Normal"},    {"ZLVRGBInputProfile", "SRGB"},
     {"ZLVRGBBCorrection", "Dark"},  // deliberately not "Standard"
-    {"ZLVTonerSaver", "False"},
-    {nullptr, nullptr},
+    {"ZLVTonerSaver", "False"},    {nullptr, nullptr},
 };
 
-int IsColorDeivce() { return JobPPDValueIs(kPPDDeviceColor, "True") ? 1 : 0; }
+int IsColorDeivce() {
+  return JobPPDValueIs(kPPDDeviceColor, "True") ? 1 : 0;
+}
 
 int getDefaultColorMode() {
   if (!PPDOffersColorMode()) return 0;
@@ -161,7 +165,7 @@ ColorMode JobColorMode() {
   if (mode == "Black") return ColorMode::kGrayscale;
   if (!mode.empty()) return PPDOffersColorMode() ? ColorMode::kUnknown : ColorMode::kGrayscale;
   return IsColorDeivce() == 1 && getDefaultColorMode() == 1 ? ColorMode::kColor
-                                                           : ColorMode::kGrayscale;
+                                                            : ColorMode::kGrayscale;
 }
 
 void OutputXPJLCommandForTonerSaver() {

@@ -1,4 +1,5 @@
-// Field splitting, pairing with command tickets, and the lines of covers, insertions and exceptions.
+// Field splitting, pairing with command tickets, and the lines of covers, insertions and
+// exceptions.
 
 #include "modules/specialpages/SpecialPages.h"
 
@@ -18,43 +19,26 @@
 SpecialPageOption psOptionSpecialPage;
 
 constexpr TicketData SpecialPageTicketData[] = {
-    Ticket(kSPXPCoverCountKey, psOptionSpecialPage.coverCount, GetTicketInteger),
-    Ticket(kSPXPInsertionCountKey, psOptionSpecialPage.insertionCount, GetTicketInteger),
-    Ticket(kSPXPExceptionCountKey, psOptionSpecialPage.exceptionCount, GetTicketInteger),
+    Ticket<GetTicketInteger>(kSPXPCoverCountKey, psOptionSpecialPage.coverCount),
+    Ticket<GetTicketInteger>(kSPXPInsertionCountKey, psOptionSpecialPage.insertionCount),
+    Ticket<GetTicketInteger>(kSPXPExceptionCountKey, psOptionSpecialPage.exceptionCount),
 };
 
 constexpr const char* CoverTypeXPJLComm[] = {
-    "print-none",  "PRINTNONE",
-    "print-front", "PRINTFRONT",
-    "print-back",  "PRINTBACK",
-    "print-both",  "PRINTBOTH",
+    "print-none", "PRINTNONE", "print-front", "PRINTFRONT",
+    "print-back", "PRINTBACK", "print-both",  "PRINTBOTH",
 };
 
 constexpr const char* MediaColorXPJLComm[] = {
-    "white",     "WHITE",
-    "blue",      "BLUE",
-    "buff",      "BUFF",
-    "goldenrod", "GOLDENROD",
-    "gray",      "GRAY",
-    "green",     "GREEN",
-    "ivory",     "IVORY",
-    "orange",    "ORANGE",
-    "pink",      "PINK",
-    "red",       "RED",
-    "yellow",    "YELLOW",
-    "no-color",  "CLEAR",
-    "custom_1",  "CUSTOM1",
-    "custom_2",  "CUSTOM2",
-    "custom_3",  "CUSTOM3",
-    "custom_4",  "CUSTOM4",
-    "custom_5",  "CUSTOM5",
-    "other",     "OTHER",
+    "white",    "WHITE",   "blue",     "BLUE",    "buff",     "BUFF",    "goldenrod", "GOLDENROD",
+    "gray",     "GRAY",    "green",    "GREEN",   "ivory",    "IVORY",   "orange",    "ORANGE",
+    "pink",     "PINK",    "red",      "RED",     "yellow",   "YELLOW",  "no-color",  "CLEAR",
+    "custom_1", "CUSTOM1", "custom_2", "CUSTOM2", "custom_3", "CUSTOM3", "custom_4",  "CUSTOM4",
+    "custom_5", "CUSTOM5", "other",    "OTHER",
 };
 
 constexpr const char* SidesXPJLComm[] = {
-    "one-sided",            "SIMPLEX",
-    "two-sided-long-edge",  "DUPLEX",
-    "two-sided-short-edge", "TUMBLE",
+    "one-sided", "SIMPLEX", "two-sided-long-edge", "DUPLEX", "two-sided-short-edge", "TUMBLE",
 };
 
 namespace {
@@ -62,8 +46,8 @@ namespace {
 constexpr std::size_t kValueSize = 256;
 constexpr std::size_t kLongLineSize = 256;
 
-// Kinds of special pages: the first field of their command tickets, where the paper selection stands
-// in those, and the prefix of their value tickets.
+// Kinds of special pages: the first field of their command tickets, where the paper selection
+// stands in those, and the prefix of their value tickets.
 struct Kind {
   std::string_view commandKind;
   std::size_t paperPosition;
@@ -232,7 +216,9 @@ void SpecialPageGetTicketFromPDE(char* args[]) {
   GetTicketFromArray(args, SpecialPageTicketData, SpecialPageTicketDataNum);
 }
 
-void SpecialPageInializeDescriptionTable() { psOptionSpecialPage = {}; }
+void SpecialPageInializeDescriptionTable() {
+  psOptionSpecialPage = {};
+}
 
 void OutputXPJLCommandForSpecialPage(char* args[]) {
   SpecialPageOption& option = psOptionSpecialPage;

@@ -15,7 +15,8 @@ struct SpecialPageOption {
 };
 extern SpecialPageOption psOptionSpecialPage;
 
-// Keys: three counts, and the prefixes of the numbered tickets (0, 1, 2, ... without leading zeros).
+// Keys: three counts, and the prefixes of the numbered tickets (0, 1, 2, ... without leading
+// zeros).
 inline constexpr char kSPXPCoverCountKey[] = TICKET_KEY("XPIFCoverCountTicket");
 inline constexpr char kSPXPCoverValueKey[] = TICKET_KEY("XPIFCoverValueTicket_");
 inline constexpr char kSPXPInsertionCountKey[] = TICKET_KEY("XPIFInsertionCountTicket");
@@ -50,8 +51,8 @@ void SpecialPageInializeDescriptionTable();
 // Writes all lines to standard output, from the job options in args[5].
 void OutputXPJLCommandForSpecialPage(char* args[]);
 
-// Splits one field off a comma-separated text into `field` (kSpecialPageFieldSize bytes, cut to what
-// fits). Returns the field's full length plus one, 0 when it was the last one, -1 for a null
+// Splits one field off a comma-separated text into `field` (kSpecialPageFieldSize bytes, cut to
+// what fits). Returns the field's full length plus one, 0 when it was the last one, -1 for a null
 // argument.
 int getOneValue(const char* source, char* field);
 
@@ -59,8 +60,8 @@ int getOneValue(const char* source, char* field);
 // (kSpecialPageFieldSize bytes). Returns 0, or -1 when there is none.
 int getSpecialPageXPJLValue(const char* keyword, const char* const* table, int count, char* out);
 
-// Writes a cover's media lines. `value` is the cover's ticket, whose media fields begin at `offset`;
-// `source` is the media source field. `out` (kSpecialPageFieldSize bytes) receives the device's
-// colour.
+// Writes a cover's media lines. `value` is the cover's ticket, whose media fields begin at
+// `offset`; `source` is the media source field. `out` (kSpecialPageFieldSize bytes) receives the
+// device's colour.
 void OutputSPMediaSizeAndColor(const char* source, int offset, const char* value,
                                const char* paperSelection, char* out);

@@ -1,6 +1,6 @@
 // XPIF job-ticket templates for the same three kinds of special pages, with %s placeholders in the
-// order of the dialog's fields. The device takes the pages as attribute lines; the templates are the
-// reference for what each field means.
+// order of the dialog's fields. The device takes the pages as attribute lines; the templates are
+// the reference for what each field means.
 
 #pragma once
 
@@ -84,7 +84,8 @@ inline constexpr char ExceptionBlockEnd[] = R"(    </page-overrides>
 )";
 
 // Documents from and to, pages from and to, sides: what every exception begins with.
-#define XPIF_EXCEPTION_HEAD R"(        <value syntax="collection">
+#define XPIF_EXCEPTION_HEAD \
+  R"(        <value syntax="collection">
                 <input-documents syntax="1setOf">
                     <value syntax="rangeOfInteger">
                             <lower-bound syntax="integer">%s</lower-bound>
@@ -101,7 +102,8 @@ inline constexpr char ExceptionBlockEnd[] = R"(    </page-overrides>
                 <media-col syntax="collection">
                     <media-type syntax="name">%s</media-type>
 )"
-#define XPIF_EXCEPTION_END R"(                </media-col>
+#define XPIF_EXCEPTION_END \
+  R"(                </media-col>
         </value>
 )"
 

@@ -11,7 +11,7 @@
 
 WatermarkOption psOptionWatermark;
 
-#define TICKET(suffix, field, getter) Ticket(TICKET_KEY(suffix), psOptionWatermark.field, getter),
+#define TICKET(suffix, field, getter) Ticket<getter>(TICKET_KEY(suffix), psOptionWatermark.field),
 constexpr TicketData WatermarkticketData[] = {
 #include "modules/watermark/WatermarkTickets.def"
 };
@@ -47,7 +47,9 @@ struct {
 constexpr int kAfterBeginProlog = 13;
 constexpr int kAfterEndPageSetup = 24;
 
-bool EveryPage() { return psOptionWatermark.onlyFirst == 0; }
+bool EveryPage() {
+  return psOptionWatermark.onlyFirst == 0;
+}
 
 // A number that is none prints alike on every system, whatever its sign bit.
 double Printable(float number) {

@@ -12,8 +12,8 @@
 struct WatermarkOption {
   char name[256];  // empty: no watermark
   std::int32_t options;
-  std::int32_t onlyFirst;  // 0: every page
-  char text[256];          // a PostScript string operand, as the dialog wrote it
+  std::int32_t onlyFirst;    // 0: every page
+  char text[256];            // a PostScript string operand, as the dialog wrote it
   std::int32_t orientation;  // 1 and 3 upright, 2 and 4 sideways
   std::int32_t paperHeight;
   std::int32_t paperWidth;

@@ -89,9 +89,13 @@ void FilterProcess::write(const std::string& bytes) const {
   }
 }
 
-void FilterProcess::closeInput() { Close(input_); }
+void FilterProcess::closeInput() {
+  Close(input_);
+}
 
-void FilterProcess::closeOutput() { Close(output_); }
+void FilterProcess::closeOutput() {
+  Close(output_);
+}
 
 std::string FilterProcess::readUntil(const std::string& end) {
   constexpr int kPatience = 10'000;  // milliseconds
@@ -141,7 +145,9 @@ ScratchFolder::ScratchFolder() {
   path_ = pattern;
 }
 
-ScratchFolder::~ScratchFolder() { std::filesystem::remove_all(path_); }
+ScratchFolder::~ScratchFolder() {
+  std::filesystem::remove_all(path_);
+}
 
 std::string ScratchFolder::write(const std::string& name, const std::string& content) const {
   const std::string path = path_ + "/" + name;

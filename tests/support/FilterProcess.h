@@ -31,10 +31,10 @@ class FilterProcess {
   pid_t pid() const { return pid_; }
   void write(const std::string& bytes) const;  // to its standard input
   void closeInput();
-  void closeOutput();                        // as a next program that dies
+  void closeOutput();                             // as a next program that dies
   std::string readUntil(const std::string& end);  // standard output so far; gives up after 10 s
-  FilterResult finish();                     // closes the input and drains
-  FilterResult drain();                      // reads the rest and waits for the end
+  FilterResult finish();                          // closes the input and drains
+  FilterResult drain();                           // reads the rest and waits for the end
 
  private:
   pid_t pid_ = -1;

@@ -14,8 +14,8 @@ void getHostName(char* dst);
 void GetClientIPAddress(char* hostDst, char* addrDst);
 
 // Resolves a NUL-terminated name to one numeric address in `out` (`outLen` bytes, cleared first).
-// False when an argument is missing, `outLen` is negative or no address was obtained. A name that is
-// not ASCII ends the process.
+// False when an argument is missing, `outLen` is negative or no address was obtained. A name that
+// is not ASCII ends the process.
 bool getHostAddress(const char* name, char* out, int outLen);
 
 // Encodes a numeric address into `encoded` (46 bytes); empty when it is neither form.

@@ -22,14 +22,18 @@ void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* s
   NoteResult(stream, std::fwrite(buf, size, count, stream) == count);
 }
 
-void ZRfputs(const char* str, std::FILE* stream) { ZRfwrite(str, 1, std::strlen(str), stream); }
+void ZRfputs(const char* str, std::FILE* stream) {
+  ZRfwrite(str, 1, std::strlen(str), stream);
+}
 
 void ZRfputc(int c, std::FILE* stream) {
   if (gJobFilefp != nullptr) std::fputc(c, gJobFilefp);
   NoteResult(stream, std::fputc(c, stream) != EOF);
 }
 
-void ZRfprintf(std::FILE* stream, const char* str) { ZRfputs(str, stream); }
+void ZRfprintf(std::FILE* stream, const char* str) {
+  ZRfputs(str, stream);
+}
 
 char* itoa(int value, char* buf, int size) {
   char* start = buf + size - 1;
@@ -38,6 +42,10 @@ char* itoa(int value, char* buf, int size) {
   return start;
 }
 
-void FlushOutput(std::FILE* stream) { NoteResult(stream, std::fflush(stream) == 0); }
+void FlushOutput(std::FILE* stream) {
+  NoteResult(stream, std::fflush(stream) == 0);
+}
 
-int FirstOutputError() { return firstOutputError; }
+int FirstOutputError() {
+  return firstOutputError;
+}

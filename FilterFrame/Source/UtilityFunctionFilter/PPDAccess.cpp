@@ -52,9 +52,13 @@ bool JobPPDValueIs(const char* name, const char* value) {
   return found != nullptr && std::strcmp(found, value) == 0;
 }
 
-bool PrinterLanguageIsUTF8() { return JobPPDValueIs("ZLVPrinterLanguageEncoding", "UTF-8"); }
+bool PrinterLanguageIsUTF8() {
+  return JobPPDValueIs("ZLVPrinterLanguageEncoding", "UTF-8");
+}
 
-bool PrinterDecomposesPostScript() { return JobPPDValueIs("ZLVPSDecompMode", "1"); }
+bool PrinterDecomposesPostScript() {
+  return JobPPDValueIs("ZLVPSDecompMode", "1");
+}
 
 TextEncoding GetCFStringSimEncodingFromPPD(ppd_file_t* ppd) {
   const ppd_attr_t* attribute = ppdFindAttr_ALT(ppd, "LanguageEncoding", nullptr);

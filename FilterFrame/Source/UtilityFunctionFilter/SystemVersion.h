@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-inline constexpr std::uint32_t kSystemVersion = 0x73797376;       // 'sysv': the whole value
-inline constexpr std::uint32_t kSystemVersionMajor = 0x73797331;  // 'sys1'
-inline constexpr std::uint32_t kSystemVersionMinor = 0x73797332;  // 'sys2'
-inline constexpr std::uint32_t kSystemVersionBugFix = 0x73797333; // 'sys3'
+inline constexpr std::uint32_t kSystemVersion = 0x73797376;        // 'sysv': the whole value
+inline constexpr std::uint32_t kSystemVersionMajor = 0x73797331;   // 'sys1'
+inline constexpr std::uint32_t kSystemVersionMinor = 0x73797332;   // 'sys2'
+inline constexpr std::uint32_t kSystemVersionBugFix = 0x73797333;  // 'sys3'
 
 // Writes the part of the system version that `selector` asks for to `*out` and returns 0. An
 // unknown selector is reported on standard error, leaves `*out` alone and returns -1.

@@ -121,6 +121,17 @@ bool ContainsAll(std::string_view line, const char* const* names) {
   return true;
 }
 
+// The next place of a name that every settings line holds: TSCR or TCPR.
+std::size_t FindName(std::string_view text, std::size_t from) {
+  std::size_t at = text.find('T', from);
+  while (at != text.npos) {
+    const std::string_view name = text.substr(at, 4);
+    if (name == "TSCR" || name == "TCPR") break;
+    at = text.find('T', at + 1);
+  }
+  return at;
+}
+
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
@@ -149,14 +160,15 @@ class SettingsSearch {
   // `run` goes on where the one before ended.
   std::string_view next(std::string_view run) {
     for (std::size_t from = startOfWholeLines(run); from < run.size();) {
-      const std::size_t hit = std::min(run.find("TSCR", from), run.find("TCPR", from));
+      const std::size_t hit = FindName(run, from);
       if (hit == run.npos) break;
       const std::size_t end = run.find_first_of("\r\n", hit);
       if (end == run.npos) break;
       const std::size_t before = run.find_last_of("\r\n", hit);
       const std::size_t start = before == run.npos || before < from ? from : before + 1;
       const std::string_view line = run.substr(start, end - start);
-      if (ContainsAll(line, TRCSCRCommand) || ContainsAll(line, CPRCommand)) {
+      const bool isSettings = ContainsAll(line, TRCSCRCommand) || ContainsAll(line, CPRCommand);
+      if (isSettings && line.size() < kLinePieceSize) {
         return run.substr(start, end + 1 - start);
       }
       from = end + 1;

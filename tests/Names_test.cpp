@@ -167,8 +167,8 @@ std::string Picked(const std::vector<const char*>& numeric) {
     list[i].ai_next = i + 1 < numeric.size() ? &list[i + 1] : nullptr;
   }
   char out[46];
-  // Numeric names resolve without asking anyone; this leaves `out` as the place to write to.
-  EXPECT_TRUE(getHostAddress("::1", out, sizeof out));
+  outString = out;
+  outStringLen = sizeof out;
   CopyBounded(out, "");
   MyPrintAddressArray(list.data(), "host");
   return out;

@@ -185,7 +185,7 @@ void InvalidatePrintTypeDocumentNameForProductType(char* args[]) {
   const std::optional<std::int32_t> type = ProductType(args);
   if (PrinterLanguageIsUTF8()) {
     if (type) KeepUnits(PTStdDocumentName, LimitFor(*type));
-    const bool takesAccents = type == kProduct05 || type == kProduct03;
+    const bool takesAccents = type && (*type == kProduct05 || *type == kProduct03);
     return BlankUnlessValid(takesAccents ? docuNameValidateDataScaleForProduct03UTF8
                                          : docuNameValidateDataScale);
   }

@@ -128,7 +128,6 @@ int main(int argc, char* argv[]) {
 
   OutputXPJLCommandFromArray(argv, prtFmtTableXPJLTrailer, numFmtTableXPJLTrailer);
   CloseJobCopy();
-  CloseJobPPD();
   FinishOutput();
   return CancelJobForPipe == 1 ? 1 : 0;
 }

@@ -12,9 +12,14 @@
 #include <string>
 #include <string_view>
 
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "text/BoundedText.h"
 #include "text/Encoding.h"
+
+char* outString = nullptr;
+int outStringLen = 0;
+bool result = false;
 
 namespace {
 
@@ -26,11 +31,6 @@ constexpr std::size_t kAddressSize = 46;
 constexpr std::size_t kHostNameUnits = 32;
 constexpr std::size_t kExpandedIPv6Room = 43;
 constexpr std::size_t kGroupLength = 4;
-
-// The state of the one resolution that can be under way.
-char* outString = nullptr;
-int outStringLen = 0;
-bool result = false;
 
 void Require(bool condition, const char* function, const char* text) {
   if (condition) return;
@@ -64,7 +64,7 @@ std::string EncodeIPv4(std::string_view address) {
   std::string encoded = "I";
   for (int i = 0; i < 4; i++) {
     const std::string octet(TakeUpTo(address, '.'));
-    const int value = std::atoi(octet.c_str());
+    const int value = DecimalInteger(octet.c_str());
     if (octet.size() > 3 || value >= 256) return {};
     char digits[3];
     std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned char>(value));
@@ -132,6 +132,7 @@ bool getHostAddress(const char* name, char* out, int outLen) {
   outStringLen = outLen;
   SetOutString("");
   MyResolveNameToAddress(name);
+  outString = nullptr;
   return result;
 }
 

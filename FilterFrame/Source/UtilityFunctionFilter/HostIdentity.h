@@ -21,8 +21,8 @@ bool getHostAddress(const char* name, char* out, int outLen);
 // Encodes a numeric address into `encoded` (46 bytes); empty when it is neither form.
 void EncodeHostAddress(const char* address, char* encoded);
 
-// The one resolution that can be under way: where its address goes (`outStringLen` bytes, null while
-// there is none), and whether the last address examined could be read.
+// The one resolution that can be under way: where its address goes (`outStringLen` bytes, null
+// while there is none), and whether the last address examined could be read.
 extern char* outString;
 extern int outStringLen;
 extern bool result;

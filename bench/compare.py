@@ -78,9 +78,22 @@ def large_ppd(path, base):
         file.write(text)
 
 
-def run(command, ppd, into_pipe):
-    """Wall seconds and peak memory in KiB of one run."""
-    environment = {"PATH": os.environ["PATH"], "PPD": ppd, "TMPDIR": scratch}
+def peak_memory(command, ppd):
+    """Peak memory of one run in KiB, as a small program sees it that starts the command."""
+    report = os.path.join(scratch, "memory")
+    subprocess.run(["/usr/bin/time", "-f", "%M", "-o", report] + command, check=True,
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                   env=environment(ppd))
+    with open(report, encoding="ascii") as file:
+        return int(file.read())
+
+
+def environment(ppd):
+    return {"PATH": os.environ["PATH"], "PPD": ppd, "TMPDIR": scratch}
+
+
+def seconds_of(command, ppd, into_pipe):
+    """Wall seconds of one run."""
     reader = None
     output = subprocess.DEVNULL
     if into_pipe:
@@ -88,36 +101,33 @@ def run(command, ppd, into_pipe):
         output = reader.stdin
     start = time.perf_counter()
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output,
-                               stderr=subprocess.DEVNULL, env=environment)
+                               stderr=subprocess.DEVNULL, env=environment(ppd))
     if reader:
         reader.stdin.close()
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = status
+    status = process.wait()
     if reader:
         reader.wait()
     if status != 0:
         sys.exit(f"{command[0]} failed with status {status}")
-    return time.perf_counter() - start, usage.ru_maxrss
+    return time.perf_counter() - start
 
 
 def compare(title, commands, ppd, runs, into_pipe=False):
-    """commands: name -> command line; the first one is what ratios refer to."""
+    """commands: name -> command line; the first one is the filter, which ratios refer to."""
     times = {name: [] for name in commands}
-    memory = dict.fromkeys(commands, 0)
     for turn in range(runs + 1):
         for name, command in commands.items():
-            seconds, peak = run(command, ppd, into_pipe)
+            seconds = seconds_of(command, ppd, into_pipe)
             if turn > 0:  # the first turn warms up
                 times[name].append(seconds)
-                memory[name] = max(memory[name], peak)
     print(f"\n### {title}\n")
-    print("| | minimum s | median s | maximum s | times as fast as the filter | peak memory MB |")
+    print("| | minimum s | median s | maximum s | time in filter times | peak memory MB |")
     print("| --- | ---: | ---: | ---: | ---: | ---: |")
     own = statistics.median(next(iter(times.values())))
     for name, seconds in times.items():
         median = statistics.median(seconds)
         print(f"| {name} | {min(seconds):.3f} | {median:.3f} | {max(seconds):.3f} | "
-              f"{own / median:.2f} | {memory[name] / 1024:.1f} |")
+              f"{median / own:.2f} | {peak_memory(commands[name], ppd) / 1024:.1f} |")
     sys.stdout.flush()
 
 

@@ -40,7 +40,7 @@ void SplitLines(benchmark::State& state) {
     PostScriptLines lines(fd);
     for (PostScriptLines::Piece piece; lines.next(piece);) benchmark::DoNotOptimize(piece);
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * kJobSize));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kJobSize));
   close(fd);
 }
 BENCHMARK(SplitLines)->Arg(16)->Arg(35)->Arg(256)->Arg(4096);

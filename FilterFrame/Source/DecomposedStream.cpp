@@ -34,7 +34,7 @@ namespace {
 constexpr std::string_view kFeatureMarker = "%%BeginFeature:";
 constexpr std::size_t kFeatureTextSize = 99;  // how much of a feature line counts
 constexpr std::size_t kMostDigits = 100;      // how many digits of a settings line count
-constexpr std::size_t kSpoolBufferSize = 8 * 1024;
+constexpr std::size_t kSpoolBufferSize = 64 * 1024;
 
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
@@ -13,15 +14,14 @@
 constexpr char kUTF8PPD[] = "*ZLVPrinterLanguageEncoding: \"UTF-8\"\n";
 constexpr char kLatin1PPD[] = "*ZLVPrinterLanguageEncoding: \"ISOLatin1\"\n";
 
-// "Name=value Name=value" with the print dialog's key prefix before each name that begins with a
-// capital letter.
+// "Name=value Name=value" with the print dialog's key prefix before each ticket's name.
 inline std::string Tickets(const std::string& settings) {
   std::string options;
-  bool atName = true;
-  for (char c : settings) {
-    if (atName && c >= 'A' && c <= 'Y') options += "com.zelva.jt.printsettings.ps.ww.";
-    options += c;
-    atName = c == ' ';
+  std::istringstream words(settings);
+  for (std::string word; words >> word;) {
+    const bool isTicket = word.substr(0, word.find('=')).find("Ticket") != word.npos;
+    options += isTicket ? "com.zelva.jt.printsettings.ps.ww." + word : word;
+    options += ' ';
   }
   return options;
 }

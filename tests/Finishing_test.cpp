@@ -1,0 +1,220 @@
+// What is stamped on pages and what the finisher does: watermarks, finishing lines, snippets.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <regex>
+#include <string>
+
+#include "FilterFrame/Source/JobState.h"
+#include "modules/features/Features.h"
+#include "modules/watermark/Watermark.h"
+#include "tests/support/Tickets.h"
+#include "text/BoundedText.h"
+
+namespace {
+
+constexpr char kDocument[] =
+    "%%BeginProlog\n%%EndProlog\n%%EndSetup\n%%EndPageSetup\nep\n%%EndPageSetup\nendp\n";
+constexpr char kText[] =
+    "WMARKNameTicket=x WMARKTypeTicket=0 WMARKTextTicket=(DRAFT) WMARKFontTicket=Helvetica "
+    "WMARKFontSizeTicket=60 WMARKColorRTicket=0 WMARKColorGTicket=0 WMARKColorBTicket=1 "
+    "WMARKDensityTicket=50 WMARKOrientationTicket=1 WMARKPaperWidthTicket=612 "
+    "WMARKPaperHeightTicket=792 WMARKAngleTicket=0 WMARKWidthTicket=200 WMARKHeightTicket=50 "
+    "WMARKhOffsetTicket=0 WMARKvOffsetTicket=0 WMARKOnlyFirstTicket=0 ";
+
+// The PostScript that a job with these tickets (the last of a kind counts) sends for the document.
+std::string Document(const std::string& settings) {
+  FilterJob job;
+  job.arguments[4] = Tickets(settings);
+  job.input = kDocument;
+  const std::string output = RunFilter(job).output;
+  const std::string enter = "ENTER LANGUAGE=POSTSCRIPT\n";
+  const std::size_t from = output.find(enter) + enter.size();
+  return output.substr(from, output.find('\4', from) - from);
+}
+
+std::string Stamp(const std::string& save) {
+  return save + " restore /" + save +
+         " save store gsave\n0.50 0.50 1.00 setrgbcolor\n"
+         "/Helvetica 60 selectfont\n206.00 371.00 moveto\n0 rotate\n(DRAFT) show\ngrestore\n";
+}
+
+TEST(Watermark, StandsAtEveryBoundaryOrAtTheFirstOfItsKind) {
+  const std::string prolog =
+      "%%BeginProlog\nuserdict/fffInfo 2 dict dup begin\n/fffpgsave 0 def\n"
+      "/fffbp{/fffpgsave save restore} bind def\n%%EndProlog\n%%EndSetup\n";
+  EXPECT_EQ(Document(kText), prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") +
+                                 "ep\n%%EndPageSetup\nfffbp\n" + Stamp("pm") + "endp\n");
+  for (const char* first : {"WMARKOnlyFirstTicket=1", "WMARKOnlyFirstTicket=-1"}) {
+    EXPECT_EQ(Document(kText + std::string(first)), prolog + "%%EndPageSetup\nfffbp\n" +
+                                                        Stamp("pgsave") + "ep\n%%EndPageSetup\n" +
+                                                        Stamp("pm") + "endp\n");
+  }
+  for (const char* off : {"WMARKNameTicket=", "WMARKTypeTicket=1", "WMARKTypeTicket=-1"}) {
+    EXPECT_EQ(Document(kText + std::string(off)), kDocument) << off;
+  }
+  EXPECT_EQ(Document("WMARKNameTicket=x"), kDocument);  // an absent type is no text watermark
+}
+
+TEST(Watermark, TextsAndNumbersAreData) {
+  const struct {
+    std::string ticket, line;
+  } cases[] = {
+      {"WMARKTextTicket=(100%d%%s)", "(100%d%%s) show\n"},
+      {"WMARKTextTicket=(" + std::string(200, 'w') + ")",
+       "(" + std::string(98, 'w') + "grestore\n"},
+      {"WMARKFontTicket=F%n", "/F%n 60 selectfont\n"},
+      {"WMARKFontSizeTicket=-2147483649", "/Helvetica -2147483648 selectfont\n"},
+      {"WMARKDensityTicket=100", "\n0.00 0.00 1.00 setrgbcolor\n"},
+      {"WMARKDensityTicket=0", "\n1.00 1.00 1.00 setrgbcolor\n"},
+      {"WMARKColorRTicket=nan", "\nnan 0.50 1.00 setrgbcolor\n"},
+      {"WMARKColorRTicket=-inf", "\n-inf 0.50 1.00 setrgbcolor\n"},
+      {"WMARKAngleTicket=400", "\n400 rotate\n"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_NE(Document(kText + c.ticket).find(c.line), std::string::npos)
+        << c.ticket << Document(kText + c.ticket);
+  }
+}
+
+// Where a text box of 200 by 50 starts that is turned about its start and centred on the page.
+TEST(Watermark, IsCentredOnThePage) {
+  const struct {
+    int orientation;
+    double centreX, centreY;
+  } pages[] = {{1, 306, 396}, {2, 396, 306}, {3, 306, 396}, {4, 396, 306}, {0, 0, 0}, {5, 0, 0}};
+  for (const auto& page : pages) {
+    for (const int angle : {0, 45, 90, 91, 120, 180, 181, 200, 270, 271, 300, 360, 361, -30}) {
+      psOptionWatermark = {};
+      psOptionWatermark.orientation = page.orientation;
+      psOptionWatermark.paperWidth = 612;
+      psOptionWatermark.paperHeight = 792;
+      psOptionWatermark.width = 200;
+      psOptionWatermark.height = 50;
+      psOptionWatermark.angle = angle;
+      float x = 0, y = 0;
+      GetWatermarkPostion(&x, &y, 7, -3);
+      const double turn = angle * std::acos(-1.0) / 180;
+      const bool known = angle >= 0 && angle <= 360;  // other angles start at the offsets
+      const double wantedX =
+          known ? page.centreX - (100 * std::cos(turn) - 25 * std::sin(turn)) : 0;
+      const double wantedY =
+          known ? page.centreY - (100 * std::sin(turn) + 25 * std::cos(turn)) : 0;
+      EXPECT_NEAR(x, wantedX + 7, 0.001) << page.orientation << " at " << angle;
+      EXPECT_NEAR(y, wantedY - 3, 0.001) << page.orientation << " at " << angle;
+    }
+  }
+}
+
+// The attributes and settings that the features write for these options.
+std::string FeatureLines(const std::string& settings) {
+  const UsedPPD ppd("");
+  Arguments args(Tickets(settings));
+  testing::internal::CaptureStdout();
+  FeaturesGetTicketFromPDE(args);
+  FeaturesInializeDescriptionTableFromFilter();
+  FeaturesOutputXPJLCommandFromFilter(args);
+  std::string lines = testing::internal::GetCapturedStdout();
+  lines = std::regex_replace(lines, std::regex("@PJL SET JOBATTR=\"@([^\"]*)\"\n"), "$1 ");
+  return std::regex_replace(lines, std::regex("@PJL SET ([^\n]*)\n"), "$1 ");
+}
+
+TEST(Features, SetTheFinisher) {
+  const std::string trimmer =
+      "TrimmerMMCuttingSizeTicket=5 TrimmerWidthMMSizeTicket=6 TrimmerHeightMMSizeTicket=7 "
+      "TrimmerAdjustMMSizeTicket=8 ";
+  const std::string stacking =
+      "OffsetStackingPagesLArrowTicket=12345 OffsetStackingUnitsLArrowTicket=3 ";
+  const struct {
+    std::string options, lines;
+  } cases[] = {
+      {"", ""},
+      {"TabMarginSwitchTicket=0", "TABS=OFF "},
+      {"TabMarginSwitchTicket=1 TabMarginMMShiftTicket=12.75", "TABS=12.7 "},
+      {trimmer + "TrimmerSwitchTicket=0", "TRMR=0 "},
+      {trimmer + "TrimmerSwitchTicket=1", "TRMR=5 "},
+      {trimmer + "TrimmerSwitchTicket=1 TrimmerSelectTicket=2", "TRMR=5 TRMR=5 TRFW=0 TROP=0 "},
+      {trimmer + "TrimmerSelectTicket=3", "TRMR=6 TRFW=7 TROP=8 "},
+      {"NumInSequenceSwitchTicket=0", "MDOC=0 "},
+      {"NumInSequenceSwitchTicket=1 NumInSequenceLArrowTicket=9", "MDOC=9 "},
+      {stacking + "OffsetStackingListTicket=4", "JOBOFFSET=PAGES OCSN=12345 "},
+      {stacking + "OffsetStackingListTicket=5", "JOBOFFSET=COPIES OCSN=3 "},
+      {"EjectOptionsListTicket=1", ""},
+      {"EjectOptionsListTicket=2", "FACE=DOWN "},
+      {"EjectOptionsListTicket=3", "FACE=UP "},
+      {"EjectOptionsListTicket=4", "FACE=DOWN_REVERSE "},
+      {"EjectOptionsListTicket=5", "FACE=UP_REVERSE "},
+      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=false", "FACE=OFF "},
+      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=true", "FACE=OFF "},
+      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=true ZLVNumPunchHoles=2Holes", "FACE=OFF "},
+  };
+  for (const auto& c : cases) EXPECT_EQ(FeatureLines(c.options), c.lines) << c.options;
+}
+
+TEST(Features, TurnCoilPunchedSheetsWithA5OrTabStockFaceUp) {
+  for (const bool bodyTab : {false, true}) {
+    for (const bool specialTab : {false, true}) {
+      for (const bool bodyA5 : {false, true}) {
+        for (const bool specialA5 : {false, true}) {
+          const std::string options =
+              std::string(
+                  "EjectOptionsListTicket=1 CoilPunchFaceTicket=true "
+                  "ZLVNumPunchHoles=CoilPunch media=") +
+              (bodyA5 ? "A5" : "A4") + " whetherMediaSizeA5Ticket=" + (specialA5 ? "1" : "0") +
+              " featuresMediaTypeTabTicket=" + (bodyTab ? "true" : "false") +
+              " whetherMediaTypeTabTicket=" + (specialTab ? "1" : "0");
+          const bool faceUp = bodyTab || specialTab || bodyA5 || specialA5;
+          EXPECT_EQ(FeatureLines(options), faceUp ? "FACE=UP " : "FACE=OFF ") << options;
+        }
+      }
+    }
+  }
+}
+
+std::string Snippet(const std::string& body) {
+  return "[{\n%%BeginNonPPDFeatures\n" + body + "\n%%EndNonPPDFeatures\n} stopped cleartomark\n";
+}
+
+TEST(Features, InjectSnippetsWhereThePagesPerSheetWantThem) {
+  const std::string separator = Snippet(
+      "1 dict dup/SeparatorPages[a%d]put/Custom/ProcSet findresource/setcoverseparator get exec");
+  const std::string shift =
+      Snippet("12.000/Custom/ProcSet findresource/setsignatureimageshift get exec");
+  const auto scale = [](const std::string& word) {
+    return Snippet("/Custom/ProcSet findresource/setsignatureautoscale 2 copy known {get " + word +
+                   " exch exec} {pop pop} ifelse");
+  };
+  const std::string both =
+      "SeparatorPageListTicket=2 SeparatorPageTicket=a%d BookletMarginSwitchTicket=1 "
+      "BookletMarginMMShiftTicket=12 AutoFitSwitchTicket=";
+  const struct {
+    std::string options, rows, columns, at14, at16, at21;
+  } cases[] = {
+      {both + "1", "1", "1", separator, shift + scale("true"), ""},
+      {both + "0", "", "4", separator, shift + scale("false"), ""},
+      {both + "-1", "2", "1", "", "", separator + shift},
+      {"SeparatorPageListTicket=1 BookletMarginSwitchTicket=0 AutoFitSwitchTicket=1", "1", "1", "",
+       "", ""},
+      {"", "1", "1", "", "", ""},
+  };
+  for (const auto& c : cases) {
+    const UsedPPD ppd("");
+    Arguments args(Tickets(c.options));
+    FeaturesGetTicketFromPDE(args);
+    CopyBounded(StdLayoutRowInfo, c.rows);
+    CopyBounded(StdLayoutColumnInfo, c.columns);
+    std::string said[3];
+    int hook = 0;
+    for (const int code : {14, 16, 21}) {
+      testing::internal::CaptureStdout();
+      FeaturesOutputPSCommandFromFilter(code, stdout);
+      said[hook++] = testing::internal::GetCapturedStdout();
+    }
+    EXPECT_EQ(said[0], c.at14) << c.options;
+    EXPECT_EQ(said[1], c.at16) << c.options;
+    EXPECT_EQ(said[2], c.at21) << c.options;
+  }
+}
+
+}  // namespace

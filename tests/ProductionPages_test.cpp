@@ -1,0 +1,171 @@
+// Covers, inserted sheets, page exceptions and bound books: job options in, attribute lines out.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "modules/perfectbind/PerfectBind.h"
+#include "modules/specialpages/SpecialPages.h"
+#include "tests/support/Tickets.h"
+
+namespace {
+
+// "EFCV=NONE EMCW=5" as the device's lines.
+std::string Lines(const std::string& attributes) {
+  return std::regex_replace(attributes, std::regex("\\s*(\\S+)\\s*"), "@PJL SET JOBATTR=\"@$1\"\n");
+}
+
+// Runs a table of rows "settings -> attributes;", all of them between these.
+void Check(std::string (*linesFor)(const std::string&), const std::string& table,
+           const std::string& settings = "", const std::string& first = "",
+           const std::string& last = "") {
+  std::istringstream rows(table);
+  for (std::string row; std::getline(rows >> std::ws, row, ';');) {
+    const std::string attributes = first + row.substr(row.find("->") + 2) + last;
+    EXPECT_EQ(linesFor(settings + row.substr(0, row.find("->"))), Lines(attributes)) << row;
+  }
+}
+
+// The lines for counts, values and commands such as "Cover#=1 Cover0=1,0,print-both Command0=0,0".
+std::string SpecialPages(const std::string& settings) {
+  std::string tickets = std::regex_replace(settings, std::regex("(\\w+)#"), "XPIF$1CountTicket");
+  tickets = std::regex_replace(tickets, std::regex("(Command)(\\d)"), "XPIF$1Ticket_$2");
+  tickets = std::regex_replace(tickets, std::regex("(\\w+r|\\w+n)(\\d)"), "XPIF$1ValueTicket_$2");
+  Arguments args(Tickets(tickets));
+  testing::internal::CaptureStdout();
+  SpecialPageInializeDescriptionTable();
+  SpecialPageGetTicketFromPDE(args);
+  OutputXPJLCommandForSpecialPage(args);
+  return testing::internal::GetCapturedStdout();
+}
+
+TEST(SpecialPages, CoversInsertionsAndExceptions) {
+  Check(SpecialPages, R"( Cover#=1 Insertion#=0 Exception#=0 Command0=0,0,0,33
+      Cover0=1,1,print-front,stationary,blue,2100,2970 -> EFCV=NONE EBCV=PRINTFRONT EMCP=CUSTOM
+      EMCW=2100 EMCH=2970 EMCQ=stationary EMCC=BLUE; Cover0=0,0,x ->; Cover#=0 Cover0=0,0,x ->;
+    Cover#=-1 Cover0=0,0,x ->; Cover#=1 Cover0= ->; Cover#=1 Cover1=0,0,x Cover00=0,0,x ->;
+    Cover#=1 Cover0=0,2,print-none -> EFCV=PRINTNONE EBCV=NONE;
+    Cover#=1 Cover0=0,0,print-both -> EFCV=PRINTBOTH EMCT=TRAYT1 EBCV=NONE;
+    Cover#=1 Cover0=1,1,x,m,red, -> EFCV=NONE EMCP=FORMALSIZE EMCW= EMCH= EMCQ=m EMCC=RED;
+    Cover#=1 Cover0=1 -> EFCV=NONE EMCP=FORMALSIZE EMCW=1 EMCH=1 EMCQ=1;
+    Cover#=2 Cover0=0,0,print-all Cover1=1,1,print-back,m,Blue,1,2 -> EMCT=TRAYT1 EBCV=PRINTBACK
+      EMCP=FORMALSIZE EMCW=1 EMCH=2 EMCQ=m;
+    Cover#=2 Command0=0,0,0,330 Command1=0,0,0,33 Cover0=2,1,print-front,a,blue,1,2
+      Cover1=0,1,x,m,no-color,3,4 -> EMCP=CUSTOM EMCW=3 EMCH=4 EMCQ=m EMCC=CLEAR;
+    Insertion#=4 Command0=1,0,0,0,33 Insertion0=0,4,2 Insertion1=1,5,3,pink,1,8,m Insertion3=2,6,1
+      -> EIST=4 EMCT=TRAYT1 EISC=2 EIST=5 EMCP=CUSTOM EMCW=1 EMCH=8 EMCQ=m EMCC=PINK EISC=3 EIST=6
+      EISC=1; Insertion#=2 Insertion1= -> EIST= EISC=;
+    Insertion#=1 Insertion0=1,7,2,a,b -> EIST=7 EMCP=FORMALSIZE EMCW=b EMCH=b EMCQ=b EISC=2;
+    Exception#=2 Exception0=0,1,9,3,5,two-sided-long-edge,m,custom_2,1,2 Command0=2,0,33
+      Exception1=0,1,9,7,8,two-sided,m,none,1,2 -> EOVS=3 EMCP=CUSTOM EMCW=1 EMCH=2 EMCQ=m
+      EMCC=CUSTOM2 EMDP=DUPLEX EOVE=5 EOVS=7 EMCP=CUSTOM EMCW=1 EMCH=2 EMCQ=m EOVE=8;
+    Exception#=2 Exception0=0,1,9,3,4,one-sided,m,buff,5 Exception1=,,,,,two-sided-short-edge, ->
+      EOVS=3 EMCP=FORMALSIZE EMCW=5 EMCH=5 EMCQ=m EMCC=BUFF EMDP=SIMPLEX EOVE=4 EOVS=
+      EMCP=FORMALSIZE EMCW= EMCH= EMCQ= EMDP=TUMBLE EOVE=;)");
+}
+
+// How six entries get their sizes by these commands: C is custom, F a formal size.
+std::string Sizes(const std::string& commands) {
+  const std::string lines = SpecialPages(commands + R"( Cover#=2 Insertion#=3 Exception#=2
+    Cover0=0,1 Cover1=1,1 Insertion0=1 Insertion2=1 Exception0=2 Exception1=2)");
+  return Lines(std::regex_replace(lines, std::regex(".*EMCP=(.).*\n|.*\n"), "$1"));
+}
+
+// Also a missing entry has its command, and where commands run out, the last one counts.
+TEST(SpecialPages, CommandsPairWithTheEntriesOfTheirKind) {
+  Check(Sizes, R"( -> FFFFFF; Command6=0,0,0,33 -> CCCCCC; Command7=0,0,0,33 -> FFFFFF;
+    Command0=2,0,33 Command1=1,0,0,0,12 Command2=0,0,0,33 Command4=1,0,0,0,33 -> CCFCCC;
+    Command0=2,0,33 Command1=1,0,0,0,3 Command2=1,0,0,0,3 Command4=1,0,0,0,33 -> FFFCCC;
+    Command0=1,0,0,0,9 Command1=1,0,0,0,33 Command2=1,0,0,0,8,33 Command3=2,0,33,8 -> FFFFCC;
+    Command0=3,0,33,33 Command1=33 -> FFFFFF; Command0=0,0,0,330 Command1=0,0,0,033 -> FFFFFF;
+    Command0=0,0,0,33 Command1=0,0,0,3 -> CFFFFF; Command0=0,0,0,33 Command1=0,0 -> CFFFFF;
+    Command0=0,000033 Command1=0,12,3,33 -> CFFFFF;
+    Command0=1,33,33,33,33 Command1=1,000,33,33 Command2=1,0000,,33 Command3=2,,33 -> FFCCFF;)");
+}
+
+TEST(SpecialPages, LongFieldsAndHostileCountsAreHarmless) {
+  const std::string x(63, 'x');  // a field's 63 characters; of a ticket 255 count
+  const auto started = std::chrono::steady_clock::now();
+  Check(SpecialPages, "Insertion#=1 Insertion0=1,2,x" + x + ",blue," + std::string(179, 'x') +
+                          ",56 -> EIST=2 EMCP=FORMALSIZE EMCW=" + x +
+                          " EMCH=5 EMCQ=5 EMCC=BLUE EISC=" + x + ";");
+  Check(SpecialPages, R"( Cover#=99999999999 Insertion#=2147483647 Exception#=2147483647
+      Cover2147483646=0,1,x,m,c,1,2 Command2147483646=0,0,0,33 Insertion9=0,1,2 -> EMCP=CUSTOM
+      EMCW=1 EMCH=2 EMCQ=m EIST=1 EMCT=TRAYT1 EISC=2;
+    Cover#=2147483647 Insertion#=1 Insertion0=0,1,2 -> EIST=1 EMCT=TRAYT1 EISC=2;
+    Cover#=-2147483648 Insertion#=-1 Exception#=1 Exception0=1 Cover0=0,0,print-both -> EOVS=1
+      EMCP=FORMALSIZE EMCW=1 EMCH=1 EMCQ=1 EOVE=1;)");
+  EXPECT_EQ(psOptionSpecialPage.coverCount, 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
+}
+
+// The lines for settings such as "Position=BindLeft PageSize=A4".
+std::string BindLines(const std::string& settings) {
+  Arguments args(std::regex_replace(settings, std::regex("(\\S+)"), "ZLVPBind$1"));
+  testing::internal::CaptureStdout();
+  PBindGetTicketFromPDE(args);
+  OutputXPJLCommandforPerfectBind();
+  return testing::internal::GetCapturedStdout();
+}
+
+TEST(PerfectBinding, FollowsItsOptions) {
+  EXPECT_EQ(BindLines("Position=BindLeft"), "");  // no PPD
+  const UsedPPD ppd(
+      "*OpenUI *PageSize/Size: PickOne\n*PageSize A4: \"\"\n*PageSize SRA3: \"\"\n*CloseUI: "
+      "*PageSize\n*PaperDimension A4: \"595 842\"\n*PaperDimension SRA3: \"907.9 1276\"\n");
+  Check(BindLines, R"( None -> PBTC=OFF PBBP=A4 PBTP=A4;
+    1EdgeCut -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2970 ISXO=-50 ISXT=50;
+    3EdgeCut -> PBTC=FULLBLEED PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2910 ISXO=-50 ISXT=50;
+    Other -> PBTC=Other PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2910 ISXO=-50 ISXT=50;
+    1EdgeCutMinimum -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=2030 PBTH=2970;
+    3EdgeCutMinimum -> PBTC=FULLBLEED PBBP=A4 PBTP=CUSTOM PBTW=2030 PBTH=2830;
+    1EdgeSpecifySize -> PBTC=FACE PBBP=A4 PBTP=SA3 PBTW=3200 PBTH=4500 ISXO=550 ISXT=-550;
+    1EdgeCut CutPositionFore= -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=0 PBTH=0 ISXO=0 ISXT=0;
+    X CutPositionFore= -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTH=2910 ISXO=0 ISXT=0;
+    X CutPositionFore=12.5mm -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=1980 PBTH=2910 ISXO=-60 ISXT=60;
+    X CutPositionFore=77 -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2100 PBTH=2910 ISXO=0 ISXT=0;
+    X CutPositionTop=xmm -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2970 ISXO=-50 ISXT=50;
+    1EdgeSpecifySize PageSize= -> PBTC=FACE PBTP=SA3 PBTW=3200 PBTH=4500 ISXO=1600 ISXT=-1600;
+    1EdgeCut PageSize=B5 -> PBTC=FACE PBBP=JISB5 PBTP=CUSTOM PBTW=-100 PBTH=0 ISXO=-50 ISXT=50;)",
+        "CutPageSize=SRA3 CutPositionTop=3mm CutPositionFore=10mm PageSize=A4 Position=BindLeft "
+        "Trimming=",
+        "PBRE=LEFT MSDA=ROTSEFLAND ", " PBCI=OFF");
+  EXPECT_STREQ(psoptionpbind.pageSize, "JISB5");
+  Check(BindLines, "->; Position=None PageSize=A4 CoverPageSize=DL ->; Position=OFF ->;");
+  Check(BindLines, R"( BindLeft -> PBRE=LEFT MSDA=ROTSEFLAND PBTC=OFF PBTP= PBAW=7 PBAH=-8 PBAT=1
+      PBAB=2 PBAF=3 PBAX=4 PBAY=-5 PBAV=6;
+    BindTop -> PBRE=TOP MSDA=ROTSEFLAND PBTC=OFF PBTP= PBAW=7 PBAH=-8 PBAT=1 PBAB=2 PBAF=3 PBAX=4
+      PBAY=-5 PBAV=6;
+    BindRight PageSize=SRA3 CutPageSize=A4 Trimming=3EdgeSpecifySize -> PBRE=RIGHT MSDA=ROTLEFPORT
+      PBTC=FULLBLEED PBBP=SA3 PBTP=A4 PBTW=2100 PBTH=2970 ISXO=550 ISXT=-550 PBAW=7 PBAH=-8 PBAB=1
+      PBAT=2 PBAF=-3 PBAX=-4 PBAY=5 PBAV=-6;)",
+        "Trimming=None RotationAdjustTop=1 RotationAdjustBot=2 RotationAdjustFore=3 CoverAdjustX=4 "
+        "CoverAdjustY=5 CutPositionAdjustmentTB=6 CutPageAdjustmentFore=7 CutPageAdjustmentTB=-8 "
+        "Position=",
+        "", " PBCI=OFF");
+  Check(BindLines, R"( CoverPageSize=DL -> PBCP=LEDGER; CoverPaperTray=HCF1 ->;
+    CoverMediaColor=blue -> PBCC=blue PBCT=;
+    CoverPageSize=A4 CoverMediaType=ThickPaper2 CoverMediaColor=Any CoverPaperTray=MSI -> PBCP=A4
+      PBCQ=SUPERTHICK PBCC=UNSPECIFIED PBCT=INTRAY5;)",
+        "Position=X Trimming=None ", "PBRE=X MSDA= PBTC=OFF PBTP= ", " PBCI=OFF");
+  const std::string long75(75, 'x');  // the first line is cut in front of its end
+  EXPECT_EQ(BindLines("Trimming=None Position=" + long75 + "yz"),
+            "@PJL SET JOBATTR=\"@PBRE=" + long75 + Lines("MSDA= PBTC=OFF PBTP= PBCI=OFF"));
+}
+
+TEST(PerfectBinding, Words) {
+  std::istringstream rows(R"( A3 A3 ZLV122x170 DT_SPECIALA3 ZLV16-KAI ROC16K 9x11 LETTERCOVER
+    Default OFF Stationary NORMAL RecyclePaperS1 RECYCLES1 CoatingPaper1B COATEDPAPERB
+    PrePrintedThickPaper1S1 PREPRINTEDTHICK1S1 CustomSizedPaper5 USER5 White WHITE Custom3 CUSTOM3
+    AutoTray AUTO 4thTray INTRAY4 7thTrayOverSized INTRAY7 HCF1 INTRAY6 a4 before)");
+  for (std::string value, expected; rows >> value >> expected;) {
+    char word[20] = "before";
+    convertPBindPPDValue(value.c_str(), word, sizeof word);
+    EXPECT_EQ(word, expected) << value;
+  }
+}
+
+}  // namespace

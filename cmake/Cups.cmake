@@ -1,6 +1,7 @@
 # Finds libcups and the folders where CUPS looks for filters and PPDs. In this order: a -D override,
 # pkg-config (newer CUPS), cups-config (CUPS 2.4 and older), the platform's default. Gives the target
-# cups::cups and the cache variables PSTOXPJL_CUPS_SERVERBIN and PSTOXPJL_CUPS_DATADIR.
+# cups::cups and the variables CUPS_SERVERBIN and CUPS_DATADIR. The cache holds nothing but the
+# overrides, so that each configuration asks anew.
 
 set(PSTOXPJL_CUPS_CFLAGS "" CACHE STRING "Compiler flags for libcups; empty: found out")
 set(PSTOXPJL_CUPS_LIBS "" CACHE STRING "Linker flags for libcups; empty: found out")
@@ -43,12 +44,10 @@ else()
 endif()
 cups_setting(cups_cflags "${PSTOXPJL_CUPS_CFLAGS}" "${CUPS_PC_CFLAGS}" --cflags "")
 cups_setting(cups_libs "${PSTOXPJL_CUPS_LIBS}" "${CUPS_PC_LDFLAGS}" --libs "-lcups")
-cups_setting(cups_serverbin "${PSTOXPJL_CUPS_SERVERBIN}" "${CUPS_PC_SERVERBIN}" --serverbin
+cups_setting(CUPS_SERVERBIN "${PSTOXPJL_CUPS_SERVERBIN}" "${CUPS_PC_SERVERBIN}" --serverbin
   ${default_serverbin})
-cups_setting(cups_datadir "${PSTOXPJL_CUPS_DATADIR}" "${CUPS_PC_DATADIR}" --datadir
+cups_setting(CUPS_DATADIR "${PSTOXPJL_CUPS_DATADIR}" "${CUPS_PC_DATADIR}" --datadir
   /usr/share/cups)
-set(PSTOXPJL_CUPS_SERVERBIN "${cups_serverbin}" CACHE PATH "" FORCE)
-set(PSTOXPJL_CUPS_DATADIR "${cups_datadir}" CACHE PATH "" FORCE)
 
 separate_arguments(cups_cflags)
 separate_arguments(cups_libs)

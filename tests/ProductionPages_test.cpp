@@ -69,17 +69,17 @@ TEST(SpecialPages, CoversInsertionsAndExceptions) {
 
 // How six entries get their sizes by these commands: C is custom, F a formal size.
 std::string Sizes(const std::string& commands) {
-  const std::string lines = SpecialPages(commands + R"( Cover#=2 Insertion#=3 Exception#=2
+  const std::string lines = SpecialPages(commands + R"( Cover#=2 Insertion#=4 Exception#=2
     Cover0=0,1 Cover1=1,1 Insertion0=1 Insertion2=1 Exception0=2 Exception1=2)");
   return Lines(std::regex_replace(lines, std::regex(".*EMCP=(.).*\n|.*\n"), "$1"));
 }
 
 // Also a missing entry has its command, and where commands run out, the last one counts.
 TEST(SpecialPages, CommandsPairWithTheEntriesOfTheirKind) {
-  Check(Sizes, R"( -> FFFFFF; Command6=0,0,0,33 -> CCCCCC; Command7=0,0,0,33 -> FFFFFF;
+  Check(Sizes, R"( -> FFFFFF; Command7=0,0,0,33 -> CCCCCC; Command8=0,0,0,33 -> FFFFFF;
     Command0=2,0,33 Command1=1,0,0,0,12 Command2=0,0,0,33 Command4=1,0,0,0,33 -> CCFCCC;
     Command0=2,0,33 Command1=1,0,0,0,3 Command2=1,0,0,0,3 Command4=1,0,0,0,33 -> FFFCCC;
-    Command0=1,0,0,0,9 Command1=1,0,0,0,33 Command2=1,0,0,0,8,33 Command3=2,0,33,8 -> FFFFCC;
+    Command0=1,0,0,0,9 Command1=1,0,0,0,33 Command2=1,0,0,0,8,33 Command3=1,0,0,0,33,8 -> FFFFCC;
     Command0=3,0,33,33 Command1=33 -> FFFFFF; Command0=0,0,0,330 Command1=0,0,0,033 -> FFFFFF;
     Command0=0,0,0,33 Command1=0,0,0,3 -> CFFFFF; Command0=0,0,0,33 Command1=0,0 -> CFFFFF;
     Command0=0,000033 Command1=0,12,3,33 -> CFFFFF;
@@ -93,8 +93,8 @@ TEST(SpecialPages, LongFieldsAndHostileCountsAreHarmless) {
                           ",56 -> EIST=2 EMCP=FORMALSIZE EMCW=" + x +
                           " EMCH=5 EMCQ=5 EMCC=BLUE EISC=" + x + ";");
   Check(SpecialPages, R"( Cover#=99999999999 Insertion#=2147483647 Exception#=2147483647
-      Cover2147483646=0,1,x,m,c,1,2 Command2147483646=0,0,0,33 Insertion9=0,1,2 -> EMCP=CUSTOM
-      EMCW=1 EMCH=2 EMCQ=m EIST=1 EMCT=TRAYT1 EISC=2;
+      Cover2147483646=0,1,x,m,c,1,2 Command2147483646=0,0,0,33 Insertion9=0,1,2 Insertion10=0,3 -> EMCP=CUSTOM
+      EMCW=1 EMCH=2 EMCQ=m EIST=1 EMCT=TRAYT1 EISC=2 EIST=3 EMCT=TRAYT1 EISC=3;
     Cover#=2147483647 Insertion#=1 Insertion0=0,1,2 -> EIST=1 EMCT=TRAYT1 EISC=2;
     Cover#=-2147483648 Insertion#=-1 Exception#=1 Exception0=1 Cover0=0,0,print-both -> EOVS=1
       EMCP=FORMALSIZE EMCW=1 EMCH=1 EMCQ=1 EOVE=1;)");
@@ -115,20 +115,20 @@ TEST(PerfectBinding, FollowsItsOptions) {
   EXPECT_EQ(BindLines("Position=BindLeft"), "");  // no PPD
   const UsedPPD ppd(
       "*OpenUI *PageSize/Size: PickOne\n*PageSize A4: \"\"\n*PageSize SRA3: \"\"\n*CloseUI: "
-      "*PageSize\n*PaperDimension A4: \"595 842\"\n*PaperDimension SRA3: \"907.9 1276\"\n");
+      "*PageSize\n*PaperDimension A4: \"595 842\"\n*PaperDimension SRA3: \"906.9 1276\"\n");
   Check(BindLines, R"( None -> PBTC=OFF PBBP=A4 PBTP=A4;
     1EdgeCut -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2970 ISXO=-50 ISXT=50;
     3EdgeCut -> PBTC=FULLBLEED PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2910 ISXO=-50 ISXT=50;
     Other -> PBTC=Other PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2910 ISXO=-50 ISXT=50;
     1EdgeCutMinimum -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=2030 PBTH=2970;
     3EdgeCutMinimum -> PBTC=FULLBLEED PBBP=A4 PBTP=CUSTOM PBTW=2030 PBTH=2830;
-    1EdgeSpecifySize -> PBTC=FACE PBBP=A4 PBTP=SA3 PBTW=3200 PBTH=4500 ISXO=550 ISXT=-550;
+    1EdgeSpecifySize -> PBTC=FACE PBBP=A4 PBTP=SA3 PBTW=3190 PBTH=4500 ISXO=545 ISXT=-545;
     1EdgeCut CutPositionFore= -> PBTC=FACE PBBP=A4 PBTP=CUSTOM PBTW=0 PBTH=0 ISXO=0 ISXT=0;
     X CutPositionFore= -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTH=2910 ISXO=0 ISXT=0;
-    X CutPositionFore=12.5mm -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=1980 PBTH=2910 ISXO=-60 ISXT=60;
-    X CutPositionFore=77 -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2100 PBTH=2910 ISXO=0 ISXT=0;
+    X CutPositionFore=125 -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2090 PBTH=2910 ISXO=-5 ISXT=5;
+    X CutPositionFore=7 -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2100 PBTH=2910 ISXO=0 ISXT=0;
     X CutPositionTop=xmm -> PBTC=X PBBP=A4 PBTP=CUSTOM PBTW=2000 PBTH=2970 ISXO=-50 ISXT=50;
-    1EdgeSpecifySize PageSize= -> PBTC=FACE PBTP=SA3 PBTW=3200 PBTH=4500 ISXO=1600 ISXT=-1600;
+    1EdgeSpecifySize PageSize= -> PBTC=FACE PBTP=SA3 PBTW=3190 PBTH=4500 ISXO=1595 ISXT=-1595;
     1EdgeCut PageSize=B5 -> PBTC=FACE PBBP=JISB5 PBTP=CUSTOM PBTW=-100 PBTH=0 ISXO=-50 ISXT=50;)",
         "CutPageSize=SRA3 CutPositionTop=3mm CutPositionFore=10mm PageSize=A4 Position=BindLeft "
         "Trimming=",
@@ -140,7 +140,7 @@ TEST(PerfectBinding, FollowsItsOptions) {
     BindTop -> PBRE=TOP MSDA=ROTSEFLAND PBTC=OFF PBTP= PBAW=7 PBAH=-8 PBAT=1 PBAB=2 PBAF=3 PBAX=4
       PBAY=-5 PBAV=6;
     BindRight PageSize=SRA3 CutPageSize=A4 Trimming=3EdgeSpecifySize -> PBRE=RIGHT MSDA=ROTLEFPORT
-      PBTC=FULLBLEED PBBP=SA3 PBTP=A4 PBTW=2100 PBTH=2970 ISXO=550 ISXT=-550 PBAW=7 PBAH=-8 PBAB=1
+      PBTC=FULLBLEED PBBP=SA3 PBTP=A4 PBTW=2100 PBTH=2970 ISXO=545 ISXT=-545 PBAW=7 PBAH=-8 PBAB=1
       PBAT=2 PBAF=-3 PBAX=-4 PBAY=5 PBAV=-6;)",
         "Trimming=None RotationAdjustTop=1 RotationAdjustBot=2 RotationAdjustFore=3 CoverAdjustX=4 "
         "CoverAdjustY=5 CutPositionAdjustmentTB=6 CutPageAdjustmentFore=7 CutPageAdjustmentTB=-8 "

@@ -1,0 +1,192 @@
+// Look-ups in the dialect, and what is derived from the filter's own tables.
+
+#include "tools/Dialect.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <map>
+#include <utility>
+
+#include "engine/CommandTable.h"
+#include "engine/JobHeader.h"
+#include "modules/accounting/Accounting.h"
+#include "modules/features/Features.h"
+#include "modules/perfectbind/PerfectBind.h"
+#include "modules/printtype/PrintType.h"
+
+namespace {
+
+constexpr DialectRow kRows[] = {
+#define TEXT ValueKind::kText, ""
+#define SECRET ValueKind::kSecret, ""
+#define NUMBER(unit) ValueKind::kNumber, unit
+#define TENTHS ValueKind::kTenths, ""
+#define BINDER_WORD ValueKind::kBinderWord, ""
+#define WORDS(words) ValueKind::kWords, words
+#define ATTRIBUTE(code, group, name, ...) \
+  {LineForm::kAttribute, code, Group::group, name, __VA_ARGS__},
+#define VARIABLE(code, group, name, ...) \
+  {LineForm::kVariable, code, Group::group, name, __VA_ARGS__},
+#define SUMMARY(code, name, ...) {LineForm::kSummary, code, Group::kSummary, name, __VA_ARGS__},
+#define COMMAND(code, name, ...) {LineForm::kCommand, code, Group::kFrame, name, __VA_ARGS__},
+#include "tools/Dialect.def"
+#undef COMMAND
+#undef SUMMARY
+#undef VARIABLE
+#undef ATTRIBUTE
+#undef WORDS
+#undef BINDER_WORD
+#undef TENTHS
+#undef NUMBER
+#undef SECRET
+#undef TEXT
+};
+
+constexpr std::string_view kPJL = "@PJL ";
+
+// The tables of the filter's rows.
+constexpr struct {
+  const PrtFmt* rows;
+  std::int32_t count;
+} kRowTables[] = {
+    {prtFmtTableXPJLJobMode, 1},
+    {prtFmtTableEnterPS, 1},
+    {PrintTypeFmtTable, PrintTypeFmtTableNum},
+    {PrintTypeFmtPartTable, PrintTypeFmtPartTableNum},
+    {JBAFmtTableAdmin, JBAFmtTableAdminNum},
+    {JBAFmtTableCommon, JBAFmtTableCommonNum},
+    {FeaturesFmtTable, FeaturesFmtTableNum},
+};
+
+std::string SampleLine(const PrtFmt& row) {
+  std::string line;
+  std::int32_t value = 0;
+  for (const char* at = row.format; *at != '\0'; at++) {
+    if (*at != '%' || at[1] == '\0' || IsCtrlSym(std::string(at, 2).c_str()) == 0) {
+      line += *at;
+    } else if (*++at == 'c') {
+      line += *static_cast<const char*>(row.values->list[value++].value);
+    } else {
+      value++;
+      line += '1';
+    }
+  }
+  return line;
+}
+
+std::optional<std::string> MeaningOf(std::string_view word, std::string_view words) {
+  while (!words.empty()) {
+    const std::string_view entry = words.substr(0, words.find('|'));
+    const std::size_t equals = entry.find('=');
+    if (entry.substr(0, equals) == word) return std::string(entry.substr(equals + 1));
+    words.remove_prefix(std::min(entry.size() + 1, words.size()));
+  }
+  return std::nullopt;
+}
+
+bool IsNumber(std::string_view value) {
+  if (value.starts_with('-') || value.starts_with('+')) value.remove_prefix(1);
+  const bool plain = std::all_of(value.begin(), value.end(),
+                                 [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
+  return plain && value.find_first_of("0123456789") != value.npos &&
+         std::count(value.begin(), value.end(), '.') <= 1;
+}
+
+// "2105" tenths are "210.5 mm".
+std::optional<std::string> TenthsInWords(std::string_view value) {
+  if (!IsNumber(value) || value.find('.') != value.npos) return std::nullopt;
+  const bool negative = value.front() == '-';
+  if (negative || value.front() == '+') value.remove_prefix(1);
+  std::string digits(value);
+  if (digits.size() < 2) digits.insert(0, 1, '0');
+  const char tenth = digits.back();
+  digits.pop_back();
+  return (negative ? "-" : "") + digits + (tenth != '0' ? std::string(".") + tenth : "") + " mm";
+}
+
+bool IsBinderWord(std::string_view value) {
+  if (value.empty() || value == "CUSTOM") return true;
+  return std::any_of(std::begin(PerfectBindParam), std::end(PerfectBindParam) - 1,
+                     [&](const PBindWord& row) { return value == row.deviceWord; });
+}
+
+}  // namespace
+
+std::span<const DialectRow> DialectRows() {
+  return kRows;
+}
+
+const DialectRow* FindInDialect(LineForm form, std::string_view code) {
+  const auto* row = std::find_if(std::begin(kRows), std::end(kRows), [&](const DialectRow& known) {
+    return known.form == form && known.code == code;
+  });
+  return row != std::end(kRows) ? row : nullptr;
+}
+
+std::optional<std::string> ValueInWords(const DialectRow& row, std::string_view value) {
+  if (row.kind == ValueKind::kWords) return MeaningOf(value, row.detail);
+  if (value.empty()) return "(empty)";
+  switch (row.kind) {
+    case ValueKind::kNumber:
+      if (value == "OFF") return "off";
+      if (!IsNumber(value)) return std::nullopt;
+      return std::string(value) += row.detail;
+    case ValueKind::kTenths:
+      return TenthsInWords(value);
+    case ValueKind::kBinderWord:
+      if (!IsBinderWord(value)) return std::nullopt;
+      break;
+    default:
+      break;
+  }
+  return std::string(value);
+}
+
+LineEnds LineEndsOf(const DialectRow& row) {
+  static const auto ends = [] {
+    std::map<std::pair<LineForm, std::string>, LineEnds> found;
+    for (const std::string& line : SampleLinesOfRows()) {
+      const bool crLf = line.ends_with("\r\n");
+      const auto parts = TakeApart(std::string_view(line).substr(0, line.find_last_not_of("\r\n") + 1));
+      LineEnds& known = found[{parts->form, std::string(parts->code)}];
+      (crLf ? known.crLf : known.lf) = true;
+    }
+    return found;
+  }();
+  const auto known = ends.find({row.form, std::string(row.code)});
+  return known != ends.end() ? known->second : LineEnds{.lf = true};
+}
+
+std::optional<LineParts> TakeApart(std::string_view line) {
+  constexpr std::pair<std::string_view, LineForm> kForms[] = {
+      {"SET JOBATTR=\"@", LineForm::kAttribute},
+      {"SET ", LineForm::kVariable},
+      {"COMMENT PRINTJOBINFO ", LineForm::kSummary},
+      {"", LineForm::kCommand},
+  };
+  if (!line.starts_with(kPJL)) return std::nullopt;
+  line.remove_prefix(kPJL.size());
+  const auto* form = std::find_if(std::begin(kForms), std::end(kForms),
+                                  [&](const auto& known) { return line.starts_with(known.first); });
+  line.remove_prefix(form->first.size());
+  LineParts parts = {.form = form->second, .code = line.substr(0, line.find('=')), .value = {}};
+  line.remove_prefix(std::min(parts.code.size() + 1, line.size()));
+  parts.quoted = parts.form == LineForm::kAttribute || line.starts_with('"');
+  if (parts.quoted) {
+    if (parts.form != LineForm::kAttribute) line.remove_prefix(1);
+    parts.closed = line.ends_with('"');
+    if (parts.closed) line.remove_suffix(1);
+  }
+  parts.value = line;
+  return parts;
+}
+
+std::vector<std::string> SampleLinesOfRows() {
+  InializeDescriptionTable();
+  std::vector<std::string> lines;
+  for (const auto& table : kRowTables) {
+    for (std::int32_t i = 0; i < table.count; i++) lines.push_back(SampleLine(table.rows[i]));
+  }
+  return lines;
+}

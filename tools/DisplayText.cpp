@@ -1,0 +1,136 @@
+// Escaping and hiding.
+
+#include "tools/DisplayText.h"
+
+#include <utf8.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <iterator>
+
+#include "tools/Dialect.h"
+
+namespace {
+
+constexpr std::string_view kHidden = "(hidden)";
+
+// A sealed password has 492 characters and more; an account's name has not.
+constexpr std::size_t kShortestSealed = 100;
+constexpr std::string_view kBase64 =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
+
+std::string EscapedByte(unsigned byte) {
+  char text[8];
+  std::snprintf(text, sizeof text, "\\x%02x", byte);
+  return text;
+}
+
+std::string EscapedCharacter(unsigned character) {
+  if (character < 0x100) return EscapedByte(character);
+  char text[16];
+  std::snprintf(text, sizeof text, "\\u{%x}", character);
+  return text;
+}
+
+// Control characters, line and paragraph separators, and what turns the writing direction.
+bool IsHarmless(std::uint32_t character) {
+  if (character < 0x20 || (character >= 0x7F && character < 0xA0)) return false;
+  if (character == 0x200E || character == 0x200F || character == 0x061C) return false;
+  if (character >= 0x2028 && character <= 0x202E) return false;
+  return character < 0x2066 || character > 0x2069;
+}
+
+void AppendPrintable(std::uint32_t character, std::string& out) {
+  if (IsHarmless(character)) {
+    utf8::unchecked::append(character, std::back_inserter(out));
+  } else {
+    out += EscapedCharacter(character);
+  }
+}
+
+// Calls character(code) and rubbish(byte) for the text's parts in turn.
+template <typename Character, typename Rubbish>
+void Walk(std::string_view bytes, Charset charset, Character character, Rubbish rubbish) {
+  if (charset == Charset::kLatin1) {
+    for (char byte : bytes) character(static_cast<unsigned char>(byte));
+    return;
+  }
+  auto at = bytes.begin();
+  while (at != bytes.end()) {
+    const auto invalid = utf8::find_invalid(at, bytes.end());
+    while (at != invalid) character(utf8::unchecked::next(at));
+    if (at != bytes.end()) rubbish(static_cast<unsigned char>(*at++));
+  }
+}
+
+// The end of a secret that begins at `from`: its quote, its line, or its last Base64 character.
+std::size_t EndOfSecret(std::string_view bytes, std::size_t from) {
+  return std::min(bytes.find_first_of("\"\r\n", from), bytes.size());
+}
+
+// Where the value of a secret name begins, from `from` on; npos when there is none.
+std::size_t FindNamedSecret(std::string_view bytes, std::size_t from) {
+  std::size_t first = bytes.npos;
+  for (const DialectRow& row : DialectRows()) {
+    if (row.kind != ValueKind::kSecret) continue;
+    const std::string name = std::string(row.code) + "=";
+    std::size_t at = bytes.find(name, from);
+    if (at == bytes.npos) continue;
+    at += name.size();
+    if (row.form == LineForm::kVariable && at < bytes.size() && bytes[at] == '"') at++;
+    first = std::min(first, at);
+  }
+  return first;
+}
+
+std::size_t FindLongRun(std::string_view bytes, std::size_t from) {
+  while (from < bytes.size()) {
+    const std::size_t end = std::min(bytes.find_first_not_of(kBase64, from), bytes.size());
+    if (end - from >= kShortestSealed) return from;
+    from = end + 1;
+  }
+  return bytes.npos;
+}
+
+}  // namespace
+
+std::string Decoded(std::string_view bytes, Charset charset) {
+  std::string text;
+  const auto append = [&](std::uint32_t character) {
+    utf8::unchecked::append(character, std::back_inserter(text));
+  };
+  Walk(bytes, charset, append, [&](unsigned) { append(0xFFFD); });
+  return text;
+}
+
+std::string Printable(std::string_view bytes, Charset charset) {
+  std::string text;
+  Walk(
+      bytes, charset, [&](std::uint32_t character) { AppendPrintable(character, text); },
+      [&](unsigned byte) { text += EscapedByte(byte); });
+  return text;
+}
+
+std::string WithoutSecrets(std::string_view bytes) {
+  std::string text;
+  std::size_t at = 0;
+  while (at < bytes.size()) {
+    const std::size_t named = FindNamedSecret(bytes, at);
+    const std::size_t secret = std::min(named, FindLongRun(bytes, at));
+    text += bytes.substr(at, secret - at);
+    if (secret >= bytes.size()) break;
+    const std::size_t end = secret == named
+                                ? EndOfSecret(bytes, secret)
+                                : std::min(bytes.find_first_not_of(kBase64, secret), bytes.size());
+    if (end != secret) text += kHidden;
+    at = std::max(end, secret);
+    if (end == secret) text += bytes.substr(at++, 1);
+  }
+  return text;
+}
+
+std::size_t Columns(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}

@@ -1,0 +1,548 @@
+// The states of reading a job, and what can be wrong in each.
+
+#include "tools/JobParser.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+#include "FilterFrame/Source/PostScriptStream.h"
+
+namespace {
+
+constexpr std::string_view kExitSequence = "\033%-12345X";
+constexpr std::string_view kPJL = "@PJL ";
+constexpr std::string_view kEndOfJob = "@PJL EOJ";
+
+constexpr std::size_t kLongestLine = 4096;  // twice what the filter can write
+constexpr std::size_t kMostHeaderBytes = 1024 * 1024;
+constexpr std::size_t kMostRemarks = 100;
+constexpr std::size_t kMostPageRanges = 50;
+constexpr std::size_t kExcerpt = 120;
+
+// What the credential library prints in front of a job.
+constexpr struct {
+  int code;
+  const char* meaning;
+} kLibraryErrors[] = {
+    {88, "a password is too long to be sealed"},
+    {106, "the device key is of an unknown type"},
+    {97, "a stored password does not open: it is damaged or was made for another deployment"},
+    {84, "a stored password does not open: the cryptography library failed"},
+    {150, "a password was not sealed: the deployment's device key does not work"},
+    {161, "a password was not sealed: the cryptography library failed"},
+    {131, "a password was not sealed: the cryptography library failed"},
+    {114, "a password was not sealed: there were no random bytes"},
+    {122, "a password was not sealed: there were no random bytes"},
+    {139, "a password was not sealed: there were no random bytes"},
+};
+constexpr std::string_view kLibraryMessages[] = {"ERROR[", "AES Error", "RSA Error[",
+                                                 "Generate Random Error["};
+
+bool IsLibraryMessage(std::string_view text) {
+  return std::any_of(std::begin(kLibraryMessages), std::end(kLibraryMessages),
+                     [&](std::string_view begin) { return text.starts_with(begin); });
+}
+
+// Line feeds, and carriage returns that none follows; one at the very end counts. In bytes and
+// without branches, since it is evaluated for many places at once.
+std::uint64_t CountLineEnds(std::string_view bytes) {
+  constexpr std::size_t kStride = 128;
+  const auto isEnd = [](char c, char next) {
+    return static_cast<unsigned char>((c == '\n') | ((c == '\r') & (next != '\n')));
+  };
+  std::uint64_t count = 0;
+  const char* at = bytes.data();
+  std::size_t left = bytes.size();
+  for (; left > kStride; left -= kStride, at += kStride) {
+    unsigned char here = 0;
+    for (std::size_t i = 0; i < kStride; i++) {
+      here = static_cast<unsigned char>(here + isEnd(at[i], at[i + 1]));
+    }
+    count += here;
+  }
+  for (; left > 0; left--, at++) count += isEnd(*at, left > 1 ? at[1] : '\0');
+  return count;
+}
+
+// The next place where a PJL line begins in a spooled document: behind a line end or the end byte.
+std::size_t FindPJLLine(std::string_view bytes, char before) {
+  for (std::size_t at = bytes.find(kPJL); at != bytes.npos; at = bytes.find(kPJL, at + 1)) {
+    const char previous = at > 0 ? bytes[at - 1] : before;
+    if (previous == '\n' || previous == '\r' || previous == kEndOfTransmission) return at;
+  }
+  return bytes.npos;
+}
+
+std::string Number(std::uint64_t number, const char* one, const char* several) {
+  return std::to_string(number) + " " + (number == 1 ? one : several);
+}
+
+}  // namespace
+
+std::size_t ExitSearch::findEnd(std::string_view bytes) {
+  std::size_t at = 0;
+  if (matched_ > 0) {
+    while (at < bytes.size() && matched_ < kExitSequence.size() &&
+           bytes[at] == kExitSequence[matched_]) {
+      at++;
+      matched_++;
+    }
+    if (matched_ < kExitSequence.size() && at == bytes.size()) return bytes.npos;
+    if (std::exchange(matched_, 0) == kExitSequence.size()) return at;
+  }
+  for (at = bytes.find(kExitSequence[0], at); at != bytes.npos;
+       at = bytes.find(kExitSequence[0], at + 1)) {
+    const std::string_view candidate = bytes.substr(at, kExitSequence.size());
+    if (candidate == kExitSequence) return at + kExitSequence.size();
+    if (kExitSequence.starts_with(candidate)) {
+      matched_ = candidate.size();
+      return bytes.npos;
+    }
+  }
+  return bytes.npos;
+}
+
+void JobParser::feed(std::string_view bytes, const PostScriptToken* token) {
+  report_.bytes += bytes.size();
+  while (!bytes.empty()) {
+    switch (state_) {
+      case State::kBeforeJob:
+        beforeJob(bytes);
+        break;
+      case State::kHeader:
+        header(bytes);
+        break;
+      case State::kPostScript:
+        postScript(bytes, token);
+        break;
+      case State::kTrailer:
+        trailer(bytes);
+        break;
+    }
+  }
+}
+
+// Moves on behind the first `count` of `bytes`.
+void JobParser::take(std::string_view& bytes, std::size_t count) {
+  const std::string_view taken = bytes.substr(0, count);
+  if (taken.empty()) return;
+  offset_ += taken.size();
+  line_ += CountLineEnds(taken);
+  if (afterCR_ && taken.front() == '\n') line_--;
+  afterCR_ = taken.back() == '\r';
+  bytes.remove_prefix(taken.size());
+}
+
+void JobParser::problem(std::uint64_t line, std::string text, std::string_view excerpt) {
+  if (report_.problems.size() == kMostRemarks) {
+    problemsLeftOut_++;
+    return;
+  }
+  report_.problems.push_back({line, std::move(text), std::string(excerpt.substr(0, kExcerpt))});
+}
+
+void JobParser::beforeJob(std::string_view& bytes) {
+  if (offset_ == 0 && bytes.starts_with(kPJL)) {
+    problem(1, "there is no exit sequence in front of the job: the printer may take it for text");
+    state_ = State::kHeader;
+    return;
+  }
+  const std::size_t end = exit_.findEnd(bytes);
+  const std::string_view taken = bytes.substr(0, end);
+  held_.append(taken.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
+  heldBytes_ += taken.size();
+  if (end == bytes.npos) return take(bytes, bytes.size());
+  take(bytes, end);
+  report_.exitSequence = true;
+  heldBytes_ -= kExitSequence.size();
+  if (held_.size() > heldBytes_) held_.resize(heldBytes_);
+  if (heldBytes_ > 0) explainPrecedingBytes();
+  held_.clear();
+  state_ = State::kHeader;
+}
+
+void JobParser::explainPrecedingBytes() {
+  if (IsLibraryMessage(held_)) return explainLibraryErrors(held_, 1);
+  problem(1, Number(heldBytes_, "byte stands", "bytes stand") +
+                 " in front of the exit sequence; the printer may take them for text",
+          held_);
+}
+
+void JobParser::explainLibraryErrors(std::string_view text, std::uint64_t line) {
+  constexpr std::string_view kBegin = "ERROR[";
+  const std::size_t before = report_.problems.size();
+  for (std::size_t at = text.find(kBegin); at != text.npos; at = text.find(kBegin, at + 1)) {
+    const int code = std::atoi(std::string(text.substr(at + kBegin.size(), 4)).c_str());
+    const auto* known = std::find_if(std::begin(kLibraryErrors), std::end(kLibraryErrors),
+                                     [&](const auto& error) { return error.code == code; });
+    if (known == std::end(kLibraryErrors)) continue;
+    const std::string_view message = text.substr(at, text.find('\n', at) - at);
+    problem(line + CountLineEnds(text.substr(0, at)),
+            std::string("a message of the credential library: ") + known->meaning, message);
+  }
+  if (report_.problems.size() == before) {
+    problem(line, "a message of the credential library", text.substr(0, text.find('\n')));
+  }
+}
+
+void JobParser::header(std::string_view& bytes) {
+  if (held_.empty()) {
+    heldBytes_ = 0;
+    heldLine_ = line_;
+    if (bytes.starts_with(kExitSequence)) {
+      take(bytes, kExitSequence.size());
+      exitAfterHeader_ = true;
+      state_ = State::kTrailer;
+      return;
+    }
+    if (bytes.starts_with("%!")) return enterPostScript();
+  }
+  const std::size_t end = bytes.find('\n');
+  const std::string_view taken = bytes.substr(0, end == bytes.npos ? end : end + 1);
+  held_.append(taken.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
+  heldBytes_ += taken.size();
+  take(bytes, taken.size());
+  if (end == bytes.npos) return;
+  headerLine();
+  held_.clear();
+  heldBytes_ = 0;
+}
+
+void JobParser::headerLine() {
+  if (heldBytes_ > held_.size()) {
+    return problem(heldLine_, "a line of " + std::to_string(heldBytes_) +
+                                  " bytes, longer than the filter writes any", held_);
+  }
+  std::string_view line(held_.data(), held_.size() - 1);
+  const bool crLf = line.ends_with('\r');
+  if (crLf) line.remove_suffix(1);
+  if (IsLibraryMessage(line)) return explainLibraryErrors(line, heldLine_);
+  if (!line.starts_with(kPJL)) {
+    return problem(heldLine_, "a line in the header that is no PJL", line);
+  }
+  pjlLine(line, crLf);
+}
+
+// A line that begins "@PJL ", without its line end.
+void JobParser::pjlLine(std::string_view line, bool crLf) {
+  const std::size_t next = line.rfind(kPJL);
+  if (next > 0) {
+    problem(heldLine_,
+            "a line that lost its end runs into the next one, and the printer understands neither: "
+            "the option behind it has no value, or one that is too long",
+            line);
+    line.remove_prefix(next);
+    if (line.starts_with("@PJL ENTER LANGUAGE=")) enterPostScript();
+    return;
+  }
+  const auto parts = TakeApart(line);
+  const DialectRow* row = parts ? FindInDialect(parts->form, parts->code) : nullptr;
+  if (row == nullptr) {
+    return problem(heldLine_, "a line that the device dialect does not know", line);
+  }
+  if (!parts->closed) problem(heldLine_, "the closing quote is missing", line);
+  if (!ValueInWords(*row, parts->value)) {
+    problem(heldLine_, "a value that the device dialect does not know", line);
+  }
+  checkLineEnd(*row, line, crLf);
+  knownLine(*row, line, parts->value);
+}
+
+void JobParser::checkLineEnd(const DialectRow& row, std::string_view line, bool crLf) {
+  const LineEnds ends = LineEndsOf(row);
+  if (crLf ? ends.crLf : ends.lf) return;
+  problem(heldLine_,
+          crLf ? "wrong line end: CR LF instead of LF alone" : "wrong line end: LF without CR", line);
+}
+
+void JobParser::knownLine(const DialectRow& row, std::string_view line, std::string_view value) {
+  kept_ += line.size() + sizeof(Setting);
+  if (kept_ <= kMostHeaderBytes) {
+    report_.settings.push_back(
+        {&row, std::string(value), std::string(line), heldLine_, {}, false, {}});
+  } else if (kept_ - line.size() - sizeof(Setting) <= kMostHeaderBytes) {
+    problem(heldLine_, "the header is longer than any; what follows is not listed");
+  }
+  if (row.code == "STRINGCODESET" && value == "UTF8") report_.charset = Charset::kUTF8;
+  if (row.code == "JOB MODE") jobMode_ = true;
+  if (row.form == LineForm::kSummary) summaryOpen_ = row.code != "END";
+  if (row.code == "EOJ") problem(heldLine_, "the job ends in its header", line);
+  if (row.code == "ENTER LANGUAGE") enterPostScript();
+}
+
+void JobParser::enterPostScript() {
+  entered_ = state_ == State::kPostScript || held_.starts_with(kPJL);
+  if (state_ == State::kPostScript) return;
+  if (!jobMode_) problem(0, "the header has no line @PJL JOB MODE=PRINTER");
+  if (summaryOpen_) problem(0, "the job summary has no end");
+  report_.spooledCopy = !entered_;
+  report_.postScript.present = true;
+  report_.postScript.firstLine = line_;
+  lastByte_ = '\n';
+  held_.clear();
+  heldBytes_ = 0;
+  state_ = State::kPostScript;
+}
+
+void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token) {
+  std::string_view document = bytes;
+  if (report_.spooledCopy) {
+    const std::size_t line = FindPJLLine(bytes, lastByte_);
+    if (line == 0) {
+      const std::size_t end = bytes.find_first_of("\r\n");
+      heldLine_ = line_;
+      held_ = bytes.substr(0, std::min(end, kLongestLine));
+      take(bytes, end == bytes.npos ? end : end + 1);
+      pjlLine(held_, false);
+      held_.clear();
+      lastByte_ = '\n';
+      return;
+    }
+    document = bytes.substr(0, line);
+  }
+  if (token != nullptr) tokenLine(*token);
+  if (!expected_.text.empty() && token == nullptr) matchExpected(document);
+
+  const std::size_t before = exit_.begun();
+  const std::size_t end = exit_.findEnd(document);
+  const bool ends = end != document.npos;
+  const std::size_t taken = ends ? end : document.size();
+  const std::size_t ofExit = std::min(taken, ends ? kExitSequence.size() : exit_.begun());
+  const bool goesOn = ends ? end < kExitSequence.size() : exit_.begun() > document.size();
+  if (before > 0 && !goesOn) passOn(kExitSequence.substr(0, before));
+  passOn(document.substr(0, taken - ofExit));
+  take(bytes, taken);
+  report_.postScript.lastLine = line_;
+  if (token != nullptr) {
+    tail_.clear();
+    expected_ = InjectionAfter(*token);
+    expectedMatched_ = 0;
+    expectedLine_ = line_;
+    expectedOffset_ = offset_;
+  }
+  if (!ends) return;
+  held_.clear();
+  heldBytes_ = 0;
+  heldLine_ = line_;
+  state_ = State::kTrailer;
+}
+
+// Bytes of the document.
+void JobParser::passOn(std::string_view bytes) {
+  if (bytes.empty()) return;
+  if (sink_) sink_(bytes);
+  report_.postScript.bytes += bytes.size();
+  lastByte_ = bytes.back();
+  if (bytes.size() >= kInjectionReach) {
+    tail_ = bytes.substr(bytes.size() - kInjectionReach);
+    return;
+  }
+  tail_ += bytes;
+  if (tail_.size() > kInjectionReach) tail_.erase(0, tail_.size() - kInjectionReach);
+}
+
+void JobParser::tokenLine(const PostScriptToken& token) {
+  PostScriptFacts& facts = report_.postScript;
+  if (token.endsPage) facts.pages++;
+  if (token.line == "showpage") facts.showpages++;
+  for (const FoundInjection& found : InjectionsBefore(token, tail_)) {
+    const std::string_view from = std::string_view(tail_).substr(found.at);
+    addInjection(found, token.endsPage ? facts.pages : 0, line_ - CountLineEnds(from),
+                 offset_ - from.size());
+  }
+}
+
+// Compares what follows a token line with what the filter writes there.
+void JobParser::matchExpected(std::string_view bytes) {
+  const std::string_view rest = expected_.text.substr(expectedMatched_);
+  const std::size_t length = std::min(rest.size(), bytes.size());
+  if (bytes.substr(0, length) != rest.substr(0, length)) {
+    expected_ = {};
+    return;
+  }
+  expectedMatched_ += length;
+  if (expectedMatched_ < expected_.text.size()) return;
+  const bool onPage = expected_.kind == InjectionKind::kWatermarkPageSetup;
+  addInjection({expected_.kind, 0, {}}, onPage ? report_.postScript.pages + 1 : 0, expectedLine_,
+               expectedOffset_);
+  expected_ = {};
+}
+
+void JobParser::addInjection(const FoundInjection& found, std::uint64_t page, std::uint64_t line,
+                             std::uint64_t offset) {
+  if (!found.whole) {
+    problem(line, "the watermark's text is cut off, which breaks the PostScript", found.detail);
+  }
+  auto& all = report_.postScript.injections;
+  auto same = std::find_if(all.begin(), all.end(),
+                           [&](const Injection& known) { return known.kind == found.kind; });
+  if (same == all.end()) {
+    same = all.insert(all.end(), {found.kind, std::string(found.detail), 0, line, offset, {}});
+  }
+  same->count++;
+  if (page == 0) return;
+  auto& pages = same->pages;
+  if (!pages.empty() && page <= pages.back().second + 1) {
+    pages.back().second = page;
+  } else if (pages.size() < kMostPageRanges) {
+    pages.emplace_back(page, page);
+  }
+}
+
+void JobParser::trailer(std::string_view& bytes) {
+  held_.append(bytes.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
+  const std::size_t length = std::min(held_.size(), kEndOfJob.size());
+  if (std::string_view(held_).substr(0, length) == kEndOfJob.substr(0, length)) {
+    heldBytes_ += bytes.size();
+    return take(bytes, bytes.size());
+  }
+  const bool inHeader = std::exchange(exitAfterHeader_, false);
+  problem(heldLine_, inHeader ? "a second exit sequence in the header"
+                              : "an exit sequence inside the PostScript: the printer ends the job "
+                                "here",
+          held_);
+  state_ = inHeader ? State::kHeader : State::kPostScript;
+  held_.clear();
+  heldBytes_ = 0;
+}
+
+JobReport JobParser::finish() {
+  switch (state_) {
+    case State::kBeforeJob:
+      problem(0, report_.bytes == 0 ? "there is nothing in it"
+                 : held_.starts_with("%!")
+                     ? "this is PostScript that has not gone through the filter"
+                 : held_.starts_with("%PDF")
+                     ? "this is a PDF document that has not gone through the filter"
+                     : "this is no printer-ready job: there is no exit sequence in it",
+              held_.substr(0, held_.find('\n')));
+      break;
+    case State::kHeader:
+      if (!held_.empty()) problem(heldLine_, "the job breaks off within a line", held_);
+      problem(0, "the job breaks off in its header: there is no PostScript and no trailer");
+      break;
+    case State::kPostScript:
+      problem(0, "the trailer is missing: the job breaks off in the PostScript");
+      break;
+    case State::kTrailer:
+      finishTrailer();
+      break;
+  }
+  finishPostScript();
+  if (problemsLeftOut_ > 0) {
+    report_.problems.push_back({0, "and " + std::to_string(problemsLeftOut_) + " more", {}});
+  }
+  return std::move(report_);
+}
+
+void JobParser::finishTrailer() {
+  if (exitAfterHeader_) {
+    problem(heldLine_, "there is no PostScript: the job was cancelled, or the document could not "
+                       "be read or spooled");
+  }
+  const std::string_view rest = std::string_view(held_).substr(std::min(held_.size(), kEndOfJob.size()));
+  if (held_.size() < kEndOfJob.size() || rest.empty()) {
+    return problem(heldLine_, "the trailer breaks off", held_);
+  }
+  report_.trailer = true;
+  const std::size_t end = rest.starts_with("\r\n") ? 2 : 1;
+  if (rest.front() != '\n') problem(heldLine_, "wrong line end: the trailer ends in LF", held_);
+  const std::uint64_t behind = heldBytes_ - kEndOfJob.size() - end;
+  if (behind > 0) {
+    problem(heldLine_, Number(behind, "byte follows", "bytes follow") + " the trailer",
+            rest.substr(end));
+  }
+}
+
+void JobParser::finishPostScript() {
+  PostScriptFacts& facts = report_.postScript;
+  if (!facts.present) return;
+  facts.closed = lastByte_ == kEndOfTransmission;
+  if (report_.spooledCopy && !entered_) {
+    problem(facts.firstLine, "the PostScript begins without @PJL ENTER LANGUAGE=POSTSCRIPT");
+  } else if (report_.spooledCopy) {
+    report_.notes.push_back(
+        {facts.firstLine, "This is a job copy for a printer that decomposes PostScript: the "
+                          "document stands where it was spooled, ahead of the switch.", {}});
+  }
+  const std::uint64_t endByte = facts.closed ? 1 : 0;
+  if (facts.bytes == endByte) problem(facts.firstLine, "the document is empty");
+  if (!facts.closed && !report_.spooledCopy && report_.trailer && facts.bytes > 0) {
+    report_.notes.push_back({facts.lastLine, "The PostScript is not closed by the end byte: the "
+                             "printer decomposes PostScript, or the job was cancelled.", {}});
+  }
+  if (facts.pages == 0 && facts.bytes > endByte) {
+    report_.notes.push_back(
+        {0, facts.showpages > 0 ? "The document does not end its pages with the lines ep or endp, "
+                                  "so its pages are neither counted nor stamped."
+                                : "No page ends in this document.", {}});
+  }
+}
+
+JobReport ReadJob(int fd, const PostScriptSink& sink) {
+  const off_t start = lseek(fd, 0, SEEK_CUR);
+  JobParser parser(sink);
+  PostScriptLines lines(fd);
+  off_t passed = 0;
+  for (PostScriptLines::Piece piece; lines.next(piece);) {
+    passed += static_cast<off_t>(piece.bytes.size());
+    parser.feed(piece.bytes, piece.token);
+  }
+  // The reader leaves out what stands behind the last line end.
+  char rest[kLinePieceSize];
+  const ssize_t count = start < 0 ? 0 : pread(fd, rest, sizeof rest, start + passed);
+  if (count > 0) parser.feed({rest, static_cast<std::size_t>(count)}, nullptr);
+  return parser.finish();
+}
+
+JobReport ReadJob(std::string_view bytes) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+  if (file == nullptr) return JobParser().finish();
+  std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+  std::rewind(file.get());
+  return ReadJob(fileno(file.get()));
+}
+
+const char* InjectionName(InjectionKind kind) {
+  switch (kind) {
+    case InjectionKind::kWatermarkProlog:
+      return "watermark definitions";
+    case InjectionKind::kWatermarkPageSetup:
+      return "watermark page setup";
+    case InjectionKind::kWatermarkText:
+      return "watermark";
+    case InjectionKind::kSeparatorPages:
+      return "separator pages";
+    case InjectionKind::kImageShift:
+      return "booklet image shift";
+    case InjectionKind::kAutoScale:
+      return "booklet auto-scale";
+  }
+  return "";
+}
+
+const char* InjectionKey(InjectionKind kind) {
+  switch (kind) {
+    case InjectionKind::kWatermarkProlog:
+      return "watermark-prolog";
+    case InjectionKind::kWatermarkPageSetup:
+      return "watermark-page-setup";
+    case InjectionKind::kWatermarkText:
+      return "watermark-text";
+    case InjectionKind::kSeparatorPages:
+      return "separator-pages";
+    case InjectionKind::kImageShift:
+      return "image-shift";
+    case InjectionKind::kAutoScale:
+      return "auto-scale";
+  }
+  return "";
+}

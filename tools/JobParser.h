@@ -1,0 +1,99 @@
+// Reads a printer-ready job piece by piece: exit sequence, PJL header, PostScript, trailer. Memory
+// does not grow with the job, whatever it holds.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "FilterFrame/Source/PostScriptLines.h"
+#include "tools/InjectedPostScript.h"
+#include "tools/JobReport.h"
+
+// Receives the document's bytes in their order.
+using PostScriptSink = std::function<void(std::string_view bytes)>;
+
+// Reads the job that `fd` stands at the beginning of.
+JobReport ReadJob(int fd, const PostScriptSink& sink = {});
+
+// Reads a job that lies in memory.
+JobReport ReadJob(std::string_view bytes);
+
+// Finds the exit sequence, also where it is spread over pieces.
+class ExitSearch {
+ public:
+  // The position behind the first exit sequence that ends in `bytes`; npos when none does.
+  std::size_t findEnd(std::string_view bytes);
+
+  // How many bytes of an exit sequence the last search ended with.
+  std::size_t begun() const { return matched_; }
+
+ private:
+  std::size_t matched_ = 0;
+};
+
+class JobParser {
+ public:
+  explicit JobParser(PostScriptSink sink = {}) : sink_(std::move(sink)) {}
+
+  // The job's next bytes; `token` when they are one of the lines that mean something to the filter.
+  void feed(std::string_view bytes, const PostScriptToken* token);
+
+  // Ends the job. Called once.
+  JobReport finish();
+
+ private:
+  enum class State { kBeforeJob, kHeader, kPostScript, kTrailer };
+
+  // Each takes some of `bytes` from its front; all that there is when the state stays.
+  void beforeJob(std::string_view& bytes);
+  void header(std::string_view& bytes);
+  void postScript(std::string_view& bytes, const PostScriptToken* token);
+  void trailer(std::string_view& bytes);
+
+  void explainPrecedingBytes();
+  void explainLibraryErrors(std::string_view text, std::uint64_t line);
+  void headerLine();
+  void pjlLine(std::string_view line, bool crLf);
+  void knownLine(const DialectRow& row, std::string_view line, std::string_view value);
+  void checkLineEnd(const DialectRow& row, std::string_view line, bool crLf);
+  void enterPostScript();
+  void tokenLine(const PostScriptToken& token);
+  void matchExpected(std::string_view bytes);
+  void addInjection(const FoundInjection& found, std::uint64_t page, std::uint64_t line,
+                    std::uint64_t offset);
+  void passOn(std::string_view bytes);
+  void finishTrailer();
+  void finishPostScript();
+
+  void take(std::string_view& bytes, std::size_t count);
+  void problem(std::uint64_t line, std::string text, std::string_view excerpt = {});
+
+  PostScriptSink sink_;
+  JobReport report_;
+  State state_ = State::kBeforeJob;
+  ExitSearch exit_;
+
+  std::uint64_t offset_ = 0;  // of the next byte
+  std::uint64_t line_ = 1;    // it stands on
+  bool afterCR_ = false;
+
+  std::string held_;             // before the job, a header line, or what follows the exit sequence
+  std::uint64_t heldBytes_ = 0;  // of which the first are kept
+  std::uint64_t heldLine_ = 1;   // where they begin
+  std::size_t kept_ = 0;         // bytes of header lines in the report
+  bool jobMode_ = false;
+  bool summaryOpen_ = false;
+  bool entered_ = false;  // the switch into PostScript has come
+  bool exitAfterHeader_ = false;
+
+  std::string tail_;  // of the document, back to the token line before
+  ExpectedInjection expected_ = {};
+  std::size_t expectedMatched_ = 0;
+  std::uint64_t expectedLine_ = 0;
+  std::uint64_t expectedOffset_ = 0;
+  char lastByte_ = '\0';
+  std::uint64_t problemsLeftOut_ = 0;
+};

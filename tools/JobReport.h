@@ -1,0 +1,74 @@
+// What is known of a job after reading it.
+
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/Dialect.h"
+#include "tools/DisplayText.h"
+
+// A line that asks the printer for something.
+struct Setting {
+  const DialectRow* row;  // never null
+  std::string value;      // as it stands in the job
+  std::string raw;        // the whole line without its line end
+  std::uint64_t line;
+  std::string sealed;     // what is known of a sealed password
+  bool opened = false;    // with the device's key
+  std::string password;   // then its plaintext
+};
+
+// Something wrong with the job, or worth knowing.
+struct Remark {
+  std::uint64_t line;  // 0: none in particular
+  std::string text;
+  std::string excerpt;  // bytes of the job that it is about, may be empty
+};
+
+// PostScript that the filter put into the document.
+enum class InjectionKind {
+  kWatermarkProlog,
+  kWatermarkPageSetup,
+  kWatermarkText,
+  kSeparatorPages,
+  kImageShift,
+  kAutoScale,
+};
+struct Injection {
+  InjectionKind kind;
+  std::string detail;        // of the first one, bytes of the job
+  std::uint64_t count = 0;
+  std::uint64_t line = 0;    // of the first one
+  std::uint64_t offset = 0;  // of the first one, in bytes from the start of the job
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> pages;  // ranges, those kept
+};
+
+struct PostScriptFacts {
+  bool present = false;
+  std::uint64_t firstLine = 0;
+  std::uint64_t lastLine = 0;
+  std::uint64_t bytes = 0;
+  std::uint64_t pages = 0;      // ended as the filter counts them
+  std::uint64_t showpages = 0;  // lines that show a page without ending one
+  bool closed = false;          // by the end-of-transmission byte
+  std::vector<Injection> injections;
+};
+
+struct JobReport {
+  Charset charset = Charset::kLatin1;
+  std::uint64_t bytes = 0;
+  bool exitSequence = false;  // at the start
+  bool trailer = false;       // whole
+  bool spooledCopy = false;   // PostScript ahead of the switch: the copy of a decomposed job
+  std::vector<Setting> settings;
+  std::vector<Remark> problems;
+  std::vector<Remark> notes;
+  PostScriptFacts postScript;
+};
+
+// Name of an injection for readers, and for programs.
+const char* InjectionName(InjectionKind kind);
+const char* InjectionKey(InjectionKind kind);

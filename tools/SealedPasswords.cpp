@@ -1,0 +1,72 @@
+// The layers of a blob that show without the key, and what the key shows.
+
+#include "tools/SealedPasswords.h"
+
+#include <openssl/crypto.h>
+
+#include <iterator>
+
+#include "tools/DeviceBlob.h"
+
+namespace {
+
+constexpr std::size_t kLongestPassword = 255;
+
+// The device's keys by the type that blobs name.
+constexpr std::size_t kWrappedLengths[] = {256, 384};
+constexpr const char* kKeyNames[] = {"2048-bit", "3072-bit"};
+
+// What is wrong with a blob as far as it shows from outside; null when nothing is.
+const char* OuterFault(std::string_view blob, unsigned& keyType) {
+  if (blob.empty()) return "it is no Base64 text";
+  if (blob.size() < 16 || blob[0] != 8 || blob[1] != 1) return "it does not begin as a blob";
+  keyType = static_cast<unsigned char>(blob[11]);
+  if (keyType >= std::size(kWrappedLengths)) return "it names an unknown type of key";
+  const auto parts = TakeBlobApart(blob, kWrappedLengths[keyType]);
+  if (!parts) return "its lengths do not add up";
+  if (parts->mode != 1 || parts->reserved != 0) return "its header holds unknown values";
+  if (parts->cipher.empty() || parts->cipher.size() % 16 != 0) return "it is cut off";
+  return nullptr;
+}
+
+void Fault(JobReport& report, Setting& setting, const char* fault) {
+  setting.sealed = std::string("malformed: ") + fault;
+  report.problems.push_back(
+      {setting.line, std::string("no device can open the ") + std::string(setting.row->name) + ": " + fault, {}});
+}
+
+void OpenWith(JobReport& report, Setting& setting, const std::string& blob, EVP_PKEY* key) {
+  const auto parts = TakeBlobApart(blob, static_cast<std::size_t>(EVP_PKEY_get_size(key)));
+  if (!parts || parts->keyIdentifier != KeyIdentifier(key)) {
+    setting.sealed += ", for another key than the one given";
+    return;
+  }
+  const auto password = PasswordInBlob(blob, key);
+  if (!password) return Fault(report, setting, "it does not open with its own key");
+  if (password->size() > kLongestPassword) return Fault(report, setting, "it is too long");
+  setting.sealed += password->empty() ? ", opens, empty" : ", opens";
+  setting.opened = true;
+  setting.password = *password;
+}
+
+}  // namespace
+
+void JudgePasswords(JobReport& report, EVP_PKEY* key) {
+  for (Setting& setting : report.settings) {
+    if (setting.row->kind != ValueKind::kSecret || setting.value.empty()) continue;
+    const std::string blob = BlobBytes(setting.value);
+    unsigned keyType = 0;
+    if (const char* fault = OuterFault(blob, keyType)) {
+      Fault(report, setting, fault);
+      continue;
+    }
+    setting.sealed = std::string("sealed for the ") + kKeyNames[keyType] + " device key";
+    if (key != nullptr) OpenWith(report, setting, blob, key);
+  }
+}
+
+void WipePasswords(JobReport& report) {
+  for (Setting& setting : report.settings) {
+    OPENSSL_cleanse(setting.password.data(), setting.password.size());
+  }
+}

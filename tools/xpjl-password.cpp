@@ -1,0 +1,100 @@
+// xpjl-password: turns a password into the ticket value that the filter opens.
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "DeploymentData.h"
+#include "secblobenc/secblobenc.h"
+#include "tools/PasswordInput.h"
+#include "tools/ToolVersion.h"
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kBadData = 1;
+constexpr int kWrongUsage = 2;
+
+int Complain(int status, const char* what) {
+  std::fprintf(stderr, "xpjl-password: %s\n", what);
+  return status;
+}
+
+// Why a password cannot be used; null when it can.
+const char* Fault(InputResult result, const Password& password) {
+  if (result == InputResult::kInterrupted) return "interrupted";
+  if (result == InputResult::kNothing) return "there is no password on standard input";
+  if (password.length() == 0) return "the password is empty";
+  if (password.length() > kLongestPassword) return "the password is longer than 255 bytes";
+  return nullptr;
+}
+
+// The stored form as Base64; empty when the cryptography fails.
+std::string TicketValue(const Password& password) {
+  constexpr std::size_t kBlock = 16;
+  unsigned char cipher[kLongestPassword / kBlock * kBlock + kBlock];
+  std::uint32_t length = sizeof cipher;
+  const std::string_view text = password.text();
+  if (Encode_Storage(reinterpret_cast<const unsigned char*>(text.data()),
+                     static_cast<std::uint32_t>(text.size()), seed1, sizeof seed1, seed2,
+                     sizeof seed2, seed3, sizeof seed3, cipher, &length) != 0) {
+    return {};
+  }
+  std::string value((length + 2) / 3 * 4, '\0');
+  if (SecBlobEnc_Base64_Encode(cipher, length, value.data()) < 1) return {};
+  return value;
+}
+
+int SealPassword(bool confirm) {
+  Password password;
+  if (const char* fault = Fault(ReadPassword("Password: ", password), password)) {
+    return Complain(kBadData, fault);
+  }
+  if (confirm && ReadsFromTerminal()) {
+    Password again;
+    if (const char* fault = Fault(ReadPassword("Once more: ", again), again)) {
+      return Complain(kBadData, fault);
+    }
+    if (again.text() != password.text()) return Complain(kBadData, "the two passwords differ");
+  }
+  const std::string value = TicketValue(password);
+  if (value.empty()) return Complain(kBadData, "the cryptography library failed");
+  if (std::printf("%s\n", value.c_str()) < 0 || std::fflush(stdout) != 0) {
+    return Complain(kBadData, std::strerror(errno));
+  }
+  return kDone;
+}
+
+constexpr char kFooter[] =
+    "The value goes into a password ticket of a job or a queue, for example\n"
+    "  lp -o com.zelva.jt.printsettings.ps.ww.PrintTypePasswordTicketKey=VALUE ...\n"
+    "It hides the password from a glance, not from somebody who has this program's\n"
+    "deployment data."
+#ifdef PSTOXPJL_DEMONSTRATION
+    "\nThis program was built for the demonstration deployment, whose data is public."
+#endif
+    "\n\nExit status: 0 done, 1 no usable password, 2 wrong usage.";
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  bool confirm = false;
+  CLI::App app;
+  app.description("Asks for a password and prints the ticket value that the filter opens.\n"
+                  "Without a terminal it reads the first line of standard input.");
+  app.footer(kFooter);
+  app.set_version_flag("--version", std::string("xpjl-password ") + kToolVersion);
+  app.add_flag("--confirm", confirm, "Ask twice, on a terminal");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);
+    // The message would repeat what may be a password.
+    return Complain(kWrongUsage, "takes no password as an argument and knows --confirm, --help and "
+                                 "--version only; it asks for the password itself");
+  }
+  return SealPassword(confirm);
+}

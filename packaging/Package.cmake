@@ -43,3 +43,21 @@ install(CODE "
   file(GLOB pages \"\$ENV{DESTDIR}/usr/share/man/man*/*.[18]\")
   execute_process(COMMAND gzip -9nf \"\$ENV{DESTDIR}/${doc}/changelog.Debian\" \${pages}
     COMMAND_ERROR_IS_FATAL ANY)" COMPONENT debian EXCLUDE_FROM_ALL)
+
+if(BUILD_TESTING AND NOT PSTOXPJL_SANITIZE)
+  find_program(LINTIAN lintian)
+  find_program(SHLIBDEPS dpkg-shlibdeps)
+  mark_as_advanced(LINTIAN SHLIBDEPS)
+  set(folder "${PROJECT_BINARY_DIR}/package-test")
+  if(LINTIAN AND SHLIBDEPS)
+    add_test(NAME package.lintian COMMAND sh -c
+      "rm -rf \"$1\" && \"$0\" -G DEB -B \"$1\" && lintian --allow-root --fail-on error \"$1\"/*.deb"
+      ${CMAKE_CPACK_COMMAND} "${folder}")
+  else()
+    add_test(NAME package.lintian COMMAND ${CMAKE_COMMAND} -E echo
+      "Skipped, no package was built: lintian or dpkg-dev is not installed")
+    set_tests_properties(package.lintian PROPERTIES SKIP_REGULAR_EXPRESSION "Skipped,")
+  endif()
+  # Both write the list of installed files.
+  set_tests_properties(package.lintian PROPERTIES RESOURCE_LOCK install_manifest)
+endif()

@@ -89,7 +89,8 @@ class OnTerminal {
     while (end.empty() || !shown_.ends_with(end)) {
       pollfd ready = {terminal_, POLLIN, 0};
       char byte = '\0';
-      if (poll(&ready, 1, end.empty() ? 0 : kPatience) != 1 || read(terminal_, &byte, 1) != 1) return;
+      if (poll(&ready, 1, end.empty() ? 0 : kPatience) != 1 || read(terminal_, &byte, 1) != 1)
+        return;
       shown_ += byte;
     }
   }
@@ -134,8 +135,10 @@ TEST(PasswordTool, ReachesTheDevice) {
   std::string value = RunTool(PASSWORD_BINARY, {}, "ge heim\n").output;
   value.pop_back();
   FilterJob job;
-  job.arguments[4] = Tickets("PrintTypeTicketKey=2 PrintTypeUserNameTicketKey=sam "
-                             "PrintTypePasswordTicketKey=" + value);
+  job.arguments[4] = Tickets(
+      "PrintTypeTicketKey=2 PrintTypeUserNameTicketKey=sam "
+      "PrintTypePasswordTicketKey=" +
+      value);
   job.input = "%!PS\n";
   EXPECT_NE(WithOpenedPasswords(RunFilter(job).output).find("HOLDENCRYPTKEY=\"<ge heim>\""),
             std::string::npos);

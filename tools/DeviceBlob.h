@@ -59,8 +59,8 @@ std::string BlobBytes(const std::string& text);
 // do not add up. The values of the header are for the caller to judge.
 std::optional<BlobParts> TakeBlobApart(std::string_view blob, std::size_t wrappedLength);
 
-// Opens `blob` with `key`, whose modulus gives the transport secret's length. Nothing if it does not
-// come apart or a layer does not open.
+// Opens `blob` with `key`, whose modulus gives the transport secret's length. Nothing if it does
+// not come apart or a layer does not open.
 std::optional<OpenedBlob> OpenBlob(std::string_view blob, EVP_PKEY* key);
 
 // The password that `blob` holds for the owner of `key`; nothing if it does not open.

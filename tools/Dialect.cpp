@@ -148,7 +148,8 @@ LineEnds LineEndsOf(const DialectRow& row) {
     std::map<std::pair<LineForm, std::string>, LineEnds> found;
     for (const std::string& line : SampleLinesOfRows()) {
       const bool crLf = line.ends_with("\r\n");
-      const auto parts = TakeApart(std::string_view(line).substr(0, line.find_last_not_of("\r\n") + 1));
+      const auto parts =
+          TakeApart(std::string_view(line).substr(0, line.find_last_not_of("\r\n") + 1));
       LineEnds& known = found[{parts->form, std::string(parts->code)}];
       (crLf ? known.crLf : known.lf) = true;
     }

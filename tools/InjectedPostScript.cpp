@@ -74,7 +74,8 @@ void FindSnippets(std::string_view before, std::vector<FoundInjection>& found) {
     body.remove_suffix(kSnippetEnd.size());
     for (const auto& snippet : kSnippets) {
       if (body.find(snippet.call) == body.npos) continue;
-      found.insert(found.begin(), {snippet.kind, at, Between(body, snippet.before, snippet.behind)});
+      found.insert(found.begin(),
+                   {snippet.kind, at, Between(body, snippet.before, snippet.behind)});
     }
     before = before.substr(0, at);
   }

@@ -63,7 +63,8 @@ std::vector<Difference> Differences(const std::vector<ReportLine>& first,
 
   std::vector<Difference> differences;
   for (const auto& [key, pair] : pairs) {
-    if (pair.first != nullptr && pair.second != nullptr && Same(*pair.first, *pair.second)) continue;
+    if (pair.first != nullptr && pair.second != nullptr && Same(*pair.first, *pair.second))
+      continue;
     differences.push_back(pair);
   }
   return differences;
@@ -119,7 +120,9 @@ std::string JsonDifference(const JobReport& first, const JobReport& second, Repo
   Json list = Json::array();
   ForEachGroup(Differences(a, b), [&](const Difference& difference) {
     const ReportLine& either = difference.either();
-    const auto side = [](const ReportLine* line) { return line ? Json(Side(line)) : Json(nullptr); };
+    const auto side = [](const ReportLine* line) {
+      return line ? Json(Side(line)) : Json(nullptr);
+    };
     list.push_back({{"group", either.key},
                     {"code", either.code},
                     {"name", either.name},

@@ -171,8 +171,9 @@ void JobParser::beforeJob(std::string_view& bytes) {
 
 void JobParser::explainPrecedingBytes() {
   if (IsLibraryMessage(held_)) return explainLibraryErrors(held_, 1);
-  problem(1, Number(heldBytes_, "byte stands", "bytes stand") +
-                 " in front of the exit sequence; the printer may take them for text",
+  problem(1,
+          Number(heldBytes_, "byte stands", "bytes stand") +
+              " in front of the exit sequence; the printer may take them for text",
           held_);
 }
 
@@ -218,8 +219,10 @@ void JobParser::header(std::string_view& bytes) {
 
 void JobParser::headerLine() {
   if (heldBytes_ > held_.size()) {
-    return problem(heldLine_, "a line of " + std::to_string(heldBytes_) +
-                                  " bytes, longer than the filter writes any", held_);
+    return problem(
+        heldLine_,
+        "a line of " + std::to_string(heldBytes_) + " bytes, longer than the filter writes any",
+        held_);
   }
   std::string_view line(held_.data(), held_.size() - 1);
   const bool crLf = line.ends_with('\r');
@@ -260,7 +263,8 @@ void JobParser::checkLineEnd(const DialectRow& row, std::string_view line, bool 
   const LineEnds ends = LineEndsOf(row);
   if (crLf ? ends.crLf : ends.lf) return;
   problem(heldLine_,
-          crLf ? "wrong line end: CR LF instead of LF alone" : "wrong line end: LF without CR", line);
+          crLf ? "wrong line end: CR LF instead of LF alone" : "wrong line end: LF without CR",
+          line);
 }
 
 void JobParser::knownLine(const DialectRow& row, std::string_view line, std::string_view value) {
@@ -405,9 +409,10 @@ void JobParser::trailer(std::string_view& bytes) {
     return take(bytes, bytes.size());
   }
   const bool inHeader = std::exchange(exitAfterHeader_, false);
-  problem(heldLine_, inHeader ? "a second exit sequence in the header"
-                              : "an exit sequence inside the PostScript: the printer ends the job "
-                                "here",
+  problem(heldLine_,
+          inHeader ? "a second exit sequence in the header"
+                   : "an exit sequence inside the PostScript: the printer ends the job "
+                     "here",
           held_);
   state_ = inHeader ? State::kHeader : State::kPostScript;
   held_.clear();
@@ -417,12 +422,12 @@ void JobParser::trailer(std::string_view& bytes) {
 JobReport JobParser::finish() {
   switch (state_) {
     case State::kBeforeJob:
-      problem(0, report_.bytes == 0 ? "there is nothing in it"
-                 : held_.starts_with("%!")
-                     ? "this is PostScript that has not gone through the filter"
-                 : held_.starts_with("%PDF")
-                     ? "this is a PDF document that has not gone through the filter"
-                     : "this is no printer-ready job: there is no exit sequence in it",
+      problem(0,
+              report_.bytes == 0        ? "there is nothing in it"
+              : held_.starts_with("%!") ? "this is PostScript that has not gone through the filter"
+              : held_.starts_with("%PDF")
+                  ? "this is a PDF document that has not gone through the filter"
+                  : "this is no printer-ready job: there is no exit sequence in it",
               held_.substr(0, held_.find('\n')));
       break;
     case State::kHeader:
@@ -445,10 +450,12 @@ JobReport JobParser::finish() {
 
 void JobParser::finishTrailer() {
   if (exitAfterHeader_) {
-    problem(heldLine_, "there is no PostScript: the job was cancelled, or the document could not "
-                       "be read or spooled");
+    problem(heldLine_,
+            "there is no PostScript: the job was cancelled, or the document could not "
+            "be read or spooled");
   }
-  const std::string_view rest = std::string_view(held_).substr(std::min(held_.size(), kEndOfJob.size()));
+  const std::string_view rest =
+      std::string_view(held_).substr(std::min(held_.size(), kEndOfJob.size()));
   if (held_.size() < kEndOfJob.size() || rest.empty()) {
     return problem(heldLine_, "the trailer breaks off", held_);
   }
@@ -469,21 +476,26 @@ void JobParser::finishPostScript() {
   if (report_.spooledCopy && !entered_) {
     problem(facts.firstLine, "the PostScript begins without @PJL ENTER LANGUAGE=POSTSCRIPT");
   } else if (report_.spooledCopy) {
-    report_.notes.push_back(
-        {facts.firstLine, "This is a job copy for a printer that decomposes PostScript: the "
-                          "document stands where it was spooled, ahead of the switch.", {}});
+    report_.notes.push_back({facts.firstLine,
+                             "This is a job copy for a printer that decomposes PostScript: the "
+                             "document stands where it was spooled, ahead of the switch.",
+                             {}});
   }
   const std::uint64_t endByte = facts.closed ? 1 : 0;
   if (facts.bytes == endByte) problem(facts.firstLine, "the document is empty");
   if (!facts.closed && !report_.spooledCopy && report_.trailer && facts.bytes > 0) {
-    report_.notes.push_back({facts.lastLine, "The PostScript is not closed by the end byte: the "
-                             "printer decomposes PostScript, or the job was cancelled.", {}});
+    report_.notes.push_back({facts.lastLine,
+                             "The PostScript is not closed by the end byte: the "
+                             "printer decomposes PostScript, or the job was cancelled.",
+                             {}});
   }
   if (facts.pages == 0 && facts.bytes > endByte) {
-    report_.notes.push_back(
-        {0, facts.showpages > 0 ? "The document does not end its pages with the lines ep or endp, "
-                                  "so its pages are neither counted nor stamped."
-                                : "No page ends in this document.", {}});
+    report_.notes.push_back({0,
+                             facts.showpages > 0
+                                 ? "The document does not end its pages with the lines ep or endp, "
+                                   "so its pages are neither counted nor stamped."
+                                 : "No page ends in this document.",
+                             {}});
   }
 }
 

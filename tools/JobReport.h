@@ -16,9 +16,9 @@ struct Setting {
   std::string value;      // as it stands in the job
   std::string raw;        // the whole line without its line end
   std::uint64_t line;
-  std::string sealed;     // what is known of a sealed password
-  bool opened = false;    // with the device's key
-  std::string password;   // then its plaintext
+  std::string sealed;    // what is known of a sealed password
+  bool opened = false;   // with the device's key
+  std::string password;  // then its plaintext
 };
 
 // Something wrong with the job, or worth knowing.
@@ -39,7 +39,7 @@ enum class InjectionKind {
 };
 struct Injection {
   InjectionKind kind;
-  std::string detail;        // of the first one, bytes of the job
+  std::string detail;  // of the first one, bytes of the job
   std::uint64_t count = 0;
   std::uint64_t line = 0;    // of the first one
   std::uint64_t offset = 0;  // of the first one, in bytes from the start of the job

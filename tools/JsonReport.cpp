@@ -13,7 +13,8 @@ Json Remarks(const std::vector<Remark>& remarks, Charset charset) {
   for (const Remark& remark : remarks) {
     Json entry = {{"text", remark.text}};
     if (remark.line > 0) entry["line"] = remark.line;
-    if (!remark.excerpt.empty()) entry["excerpt"] = Decoded(WithoutSecrets(remark.excerpt), charset);
+    if (!remark.excerpt.empty())
+      entry["excerpt"] = Decoded(WithoutSecrets(remark.excerpt), charset);
     list.push_back(entry);
   }
   return list;
@@ -21,8 +22,11 @@ Json Remarks(const std::vector<Remark>& remarks, Charset charset) {
 
 Json SettingEntry(const ReportLine& line, Charset charset, ReportWishes wishes) {
   const Setting& setting = *line.setting;
-  Json entry = {{"group", line.key}, {"code", line.code}, {"name", line.name},
-                {"words", line.words}, {"line", line.line}};
+  Json entry = {{"group", line.key},
+                {"code", line.code},
+                {"name", line.name},
+                {"words", line.words},
+                {"line", line.line}};
   if (setting.row->kind != ValueKind::kSecret) {
     entry["value"] = Decoded(WithoutSecrets(setting.value), charset);
   } else if (!setting.value.empty()) {
@@ -53,9 +57,8 @@ Json PostScriptEntry(const JobReport& report) {
   for (const Injection& injection : facts.injections) {
     injections.push_back(InjectionEntry(injection, report.charset));
   }
-  return {{"pages", facts.pages},         {"showpages", facts.showpages},
-          {"bytes", facts.bytes},         {"firstLine", facts.firstLine},
-          {"lastLine", facts.lastLine},   {"closed", facts.closed},
+  return {{"pages", facts.pages},         {"showpages", facts.showpages}, {"bytes", facts.bytes},
+          {"firstLine", facts.firstLine}, {"lastLine", facts.lastLine},   {"closed", facts.closed},
           {"injections", injections}};
 }
 

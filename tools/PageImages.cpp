@@ -71,10 +71,17 @@ void PageImages::start(const std::string& folder, int dotsPerInch) {
     return;
   }
   fcntl(ends[1], F_SETFD, FD_CLOEXEC);
-  std::vector<std::string> words = {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE",
-                                    "-sDEVICE=png16m", "-dTextAlphaBits=4", "-dGraphicsAlphaBits=4",
+  std::vector<std::string> words = {"gs",
+                                    "-q",
+                                    "-dSAFER",
+                                    "-dBATCH",
+                                    "-dNOPAUSE",
+                                    "-sDEVICE=png16m",
+                                    "-dTextAlphaBits=4",
+                                    "-dGraphicsAlphaBits=4",
                                     "-r" + std::to_string(dotsPerInch),
-                                    "-sOutputFile=" + OutputPattern(folder), "-"};
+                                    "-sOutputFile=" + OutputPattern(folder),
+                                    "-"};
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);

@@ -9,8 +9,8 @@
 
 class PageImages {
  public:
-  // Starts Ghostscript, which writes page-001.png, page-002.png, ... into `folder`; makes the folder
-  // when there is none. error() says why it did not start.
+  // Starts Ghostscript, which writes page-001.png, page-002.png, ... into `folder`; makes the
+  // folder when there is none. error() says why it did not start.
   PageImages(const std::string& folder, int dotsPerInch);
   ~PageImages();
   PageImages(const PageImages&) = delete;

@@ -49,7 +49,8 @@ class LineList {
     key_ = key;
   }
   ReportLine& add(std::string name, std::string words) {
-    lines_.push_back({title_, key_, std::move(name), std::move(words), {}, {}, 0, nullptr, nullptr});
+    lines_.push_back(
+        {title_, key_, std::move(name), std::move(words), {}, {}, 0, nullptr, nullptr});
     return lines_.back();
   }
   std::vector<ReportLine> result() { return std::move(lines_); }
@@ -74,8 +75,8 @@ void AddPostScript(const JobReport& report, LineList& list) {
     ReportLine& line = list.add(std::string("Injected: ") + InjectionName(injection.kind),
                                 InjectionInWords(injection, report.charset));
     line.line = injection.line;
-    line.raw = "line " + std::to_string(injection.line) + ", byte " +
-               std::to_string(injection.offset);
+    line.raw =
+        "line " + std::to_string(injection.line) + ", byte " + std::to_string(injection.offset);
     line.injection = &injection;
   }
 }
@@ -88,8 +89,8 @@ void AddSettings(const JobReport& report, const GroupNames& group, ReportWishes 
     ReportLine& line =
         list.add(std::string(setting.row->name), InWords(setting, report.charset, wishes));
     line.code = setting.row->code;
-    line.raw = Printable(wishes.showPasswords ? setting.raw : WithoutSecrets(setting.raw),
-                         report.charset);
+    line.raw =
+        Printable(wishes.showPasswords ? setting.raw : WithoutSecrets(setting.raw), report.charset);
     line.line = setting.line;
     line.setting = &setting;
   }

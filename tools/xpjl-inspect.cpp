@@ -103,8 +103,8 @@ int Inspect(const Wishes& wishes, EVP_PKEY* key) {
   if (!report) return kBadData;
 
   const ReportWishes shown = {.showPasswords = wishes.showPasswords};
-  const bool written = Put(wishes.json ? JsonReport(name, *report, shown)
-                                       : TextReport(name, *report, shown));
+  const bool written =
+      Put(wishes.json ? JsonReport(name, *report, shown) : TextReport(name, *report, shown));
   WipePasswords(*report);
   int status = written ? kFine : kBadData;
   if (!report->problems.empty()) {
@@ -120,8 +120,8 @@ int Compare(const Wishes& wishes, EVP_PKEY* key) {
   if (!first || !second) return kBadData;
   for (const auto* report : {&*first, &*second}) {
     if (report->exitSequence || !report->settings.empty()) continue;
-    return Complain(kBadData, Shown(wishes.jobs[report == &*first ? 0 : 1]) + ": " +
-                                  FirstProblem(*report));
+    return Complain(kBadData,
+                    Shown(wishes.jobs[report == &*first ? 0 : 1]) + ": " + FirstProblem(*report));
   }
   const ReportWishes shown = {.showPasswords = wishes.showPasswords};
   const std::string difference = TextDifference(*first, *second, shown);
@@ -135,8 +135,9 @@ void Declare(CLI::App& app, Wishes& wishes) {
   app.description(
       "Says what a printer-ready job (a job copy, a captured job) asks the printer to do.\n"
       "Sealed passwords are hidden, so that a report can be passed on.");
-  app.footer("Exit status: 0 nothing wrong, 1 something is wrong with the job or it cannot be read,\n"
-             "2 wrong usage. With --diff: 0 no difference, 1 otherwise.");
+  app.footer(
+      "Exit status: 0 nothing wrong, 1 something is wrong with the job or it cannot be read,\n"
+      "2 wrong usage. With --diff: 0 no difference, 1 otherwise.");
   app.set_version_flag("--version", std::string("xpjl-inspect ") + kToolVersion);
   app.add_option("JOB", wishes.jobs, "The job; - for standard input. Two of them with --diff")
       ->required();
@@ -180,8 +181,9 @@ int Run(int argc, char* argv[]) {
   if (!wishes.deviceKey.empty()) {
     key = ReadPrivateKey(wishes.deviceKey.c_str());
     if (!key) {
-      return Complain(kBadData, Shown(wishes.deviceKey) + " is no private key that can be read: "
-                                "give the device's key as a PEM file");
+      return Complain(kBadData, Shown(wishes.deviceKey) +
+                                    " is no private key that can be read: "
+                                    "give the device's key as a PEM file");
     }
   }
   return wishes.diff ? Compare(wishes, key.get()) : Inspect(wishes, key.get());

@@ -83,8 +83,9 @@ constexpr char kFooter[] =
 int main(int argc, char* argv[]) {
   bool confirm = false;
   CLI::App app;
-  app.description("Asks for a password and prints the ticket value that the filter opens.\n"
-                  "Without a terminal it reads the first line of standard input.");
+  app.description(
+      "Asks for a password and prints the ticket value that the filter opens.\n"
+      "Without a terminal it reads the first line of standard input.");
   app.footer(kFooter);
   app.set_version_flag("--version", std::string("xpjl-password ") + kToolVersion);
   app.add_flag("--confirm", confirm, "Ask twice, on a terminal");
@@ -93,8 +94,9 @@ int main(int argc, char* argv[]) {
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
     // The message would repeat what may be a password.
-    return Complain(kWrongUsage, "takes no password as an argument and knows --confirm, --help and "
-                                 "--version only; it asks for the password itself");
+    return Complain(kWrongUsage,
+                    "takes no password as an argument and knows --confirm, --help and "
+                    "--version only; it asks for the password itself");
   }
   return SealPassword(confirm);
 }

@@ -1,0 +1,196 @@
+// docs/job-options.md against the compiled tables, in both directions.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <span>
+
+#include "modules/accounting/Accounting.h"
+#include "modules/comment/Comment.h"
+#include "modules/features/Features.h"
+#include "modules/perfectbind/PerfectBind.h"
+#include "modules/printtype/PrintType.h"
+#include "modules/quality/Quality.h"
+#include "modules/specialpages/SpecialPages.h"
+#include "modules/watermark/Watermark.h"
+#include "tests/support/Patterns.h"
+#include "tools/Dialect.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// A table row: the words in code type of each cell.
+using Row = std::vector<std::vector<std::string>>;
+
+// The rows of the tables with these heads, under all headings.
+std::vector<Row> RowsUnder(const std::string& head) {
+  std::vector<Row> rows;
+  std::istringstream lines(FileContent(SOURCE_DIR "/docs/job-options.md"));
+  bool inTable = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("| `")) {
+      if (!line.starts_with("| ---")) inTable = line == head;
+      continue;
+    }
+    if (!inTable) continue;
+    Row row;
+    for (const std::string& cell : Captures("\\| ([^|]*)", line)) {
+      row.push_back(Captures("`([^`]*)`", cell));
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+std::string ShortKey(const std::string& key) {
+  const std::string prefix = TICKET_KEY("");
+  return key.starts_with(prefix) ? key.substr(prefix.size()) : key;
+}
+
+Names CodesOf(const std::vector<std::string>& words) {
+  return {words.begin(), words.end()};
+}
+
+struct TicketTable {
+  std::span<const TicketData> rows;
+  bool withRowTable;  // its lines come from rows, which say what they are made of
+};
+const TicketTable kTicketTables[] = {
+    {PrintTypeticketData, true}, {JBAticketDataCommon, true},    {JBAticketDataAdmin, true},
+    {FeaturesticketData, true},  {WatermarkticketData, false},   {CommentticketData, false},
+    {PBindticketData, false},    {SpecialPageTicketData, false},
+};
+
+// The lines whose values or conditions look at what `destination` holds.
+Names LinesMadeOf(const void* destination) {
+  const std::span<const PrtFmt> tables[] = {PrintTypeFmtTable, JBAFmtTableAdmin, JBAFmtTableCommon,
+                                            FeaturesFmtTable};
+  Names codes;
+  for (const auto& table : tables) {
+    for (const PrtFmt& row : table) {
+      bool uses = false;
+      for (std::int32_t i = 0; row.values != nullptr && i < row.values->count; i++) {
+        uses |= row.values->list[i].value == destination;
+      }
+      for (std::int32_t i = 0; row.condition != nullptr && i < row.condition->count; i++) {
+        uses |= row.condition->items[i].left == destination;
+      }
+      const auto code = Captures("@PJL SET (JOBATTR=%c@)?([A-Z]+)=", row.format);
+      if (uses) codes.insert(code.front());
+    }
+  }
+  return codes;
+}
+
+}  // namespace
+
+TEST(JobOptionsDocument, ListsTheTicketsThatAreReadAndNoOthers) {
+  Names documented;
+  for (const Row& row : RowsUnder("| Key | Value | Lines |")) {
+    EXPECT_EQ(row[0].size(), 1u);
+    EXPECT_TRUE(documented.insert(row[0][0]).second) << row[0][0] << " is listed twice";
+  }
+  Names read = {"XPIFCoverValueTicket_", "XPIFInsertionValueTicket_", "XPIFExceptionValueTicket_",
+                "XPIFCommandTicket_"};
+  for (const TicketTable& table : kTicketTables) {
+    for (const TicketData& row : table.rows) {
+      if (std::string(row.key).find('"') == std::string::npos) read.insert(ShortKey(row.key));
+    }
+  }
+  EXPECT_EQ(documented, read);
+}
+
+// Where lines come from rows the document names exactly those that a ticket is part of; elsewhere
+// it names lines that there are.
+TEST(JobOptionsDocument, NamesTheLinesOfEachTicket) {
+  SampleLinesOfRows();  // binds the rows to their values
+  std::map<std::string, Names> fromRows;
+  Names byHand;
+  for (const TicketTable& table : kTicketTables) {
+    for (const TicketData& row : table.rows) {
+      if (!table.withRowTable) byHand.insert(ShortKey(row.key));
+      if (table.withRowTable) fromRows[ShortKey(row.key)].merge(LinesMadeOf(row.destination));
+    }
+  }
+  Names known;
+  for (const DialectRow& row : DialectRows()) known.insert(std::string(row.code));
+  Names documented;
+  for (const Row& row : RowsUnder("| Key | Value | Lines |")) {
+    const std::string& key = row[0][0];
+    Names codes = CodesOf(row[2]);
+    for (const std::string& code : codes) EXPECT_TRUE(known.contains(code)) << key << ": " << code;
+    for (const std::string& code : fromRows[key]) EXPECT_TRUE(codes.contains(code)) << key << code;
+    const bool onlyRows = fromRows.contains(key) && !byHand.contains(key);
+    const bool layout = key.find("PMLayout") != key.npos;  // read by getters and modules besides
+    if (onlyRows && !layout && !fromRows[key].empty()) {
+      EXPECT_EQ(codes, fromRows[key]) << key;
+    }
+    documented.merge(codes);
+  }
+  // Whatever can be written is mentioned somewhere.
+  const std::string text = FileContent(SOURCE_DIR "/docs/job-options.md");
+  for (const DialectRow& row : DialectRows()) {
+    if (row.form == LineForm::kCommand) continue;
+    EXPECT_NE(text.find(row.code), text.npos) << row.code;
+  }
+  EXPECT_GT(documented.size(), 60u);
+}
+
+TEST(JobOptionsDocument, ListsTheFeaturesWithTheirLines) {
+  std::vector<std::vector<std::string>> documented;
+  for (const Row& row : RowsUnder("| Feature | Choices | Lines |")) {
+    ASSERT_EQ(row[1].size(), row[2].size()) << row[0][0];
+    for (std::size_t i = 0; i < row[1].size(); i++) {
+      const std::string& line = row[2][i];
+      documented.push_back(
+          {row[0][0], row[1][i],
+           line.starts_with('@') ? "@PJL SET JOBATTR=\"" + line + "\"\n" : "@PJL " + line + "\n"});
+    }
+  }
+  std::vector<std::vector<std::string>> compiled;
+  for (const FeatureLine& row : FeaturePPDKeyNameandMarkedValuetoPJLCommand) {
+    compiled.push_back({row.keyword, row.choice, row.line});
+  }
+  EXPECT_EQ(documented, compiled);
+}
+
+TEST(JobOptionsDocument, ListsTheWordsOfThePerfectBinder) {
+  std::vector<std::pair<std::string, std::string>> documented;
+  for (const Row& row : RowsUnder("| Value | Word | Value | Word | Value | Word |")) {
+    for (std::size_t i = 0; i + 1 < row.size() && !row[i].empty(); i += 2) {
+      documented.emplace_back(row[i].at(0), row[i + 1].at(0));
+    }
+  }
+  std::vector<std::pair<std::string, std::string>> compiled;
+  for (std::size_t i = 0; i < kPBindWordCount; i++) {
+    compiled.emplace_back(PerfectBindParam[i].ppdValue, PerfectBindParam[i].deviceWord);
+  }
+  EXPECT_EQ(documented, compiled);
+}
+
+TEST(JobOptionsDocument, ListsThePPDAttributesThatAreRead) {
+  Names documented;
+  for (const Row& row : RowsUnder("| Attribute | Meaning |")) documented.insert(row[0].at(0));
+  Names read = NamesInSources("(JobPPDValue|JobPPDValueIs)\\(\"([^\"]+)\"");
+  read.merge(
+      NamesInSources("(CheckIfPPDKeywordSupported|ppdFindAttr_ALT)\\([^\"),]*,? ?[^\"),]*"
+                     "\\(?\\)?, \"([^\"]+)\""));
+  for (const std::string& constant : NamesInSources("(JobPPDValueIs|ppdFindOption)\\([^;]*"
+                                                    "(kPPD[A-Za-z]+)")) {
+    const Names values = NamesInSources(constant + "\\[\\] = \"([^\"]+)\"");
+    read.insert(values.begin(), values.end());
+  }
+  EXPECT_EQ(documented, read);
+}
+
+// Every option of the PPDs that is the filter's business is in the document.
+TEST(JobOptionsDocument, MentionsTheOptionsOfThePPDs) {
+  const std::string text = FileContent(SOURCE_DIR "/docs/job-options.md");
+  const auto options =
+      Captures("Option \"(ZLV[A-Za-z]+)", FileContent(SOURCE_DIR "/ppd/zelva.drv"));
+  EXPECT_GT(options.size(), 40u);
+  for (const std::string& option : options) {
+    EXPECT_NE(text.find("`" + option + "`"), text.npos) << option;
+  }
+}

@@ -223,6 +223,10 @@ TEST(Inspect, FindsWhatTheFilterInjected) {
   const auto& pages = report.postScript.injections.back().pages;
   EXPECT_EQ(pages, (decltype(report.postScript.injections.back().pages){{1, 4}}));
   EXPECT_TRUE(ReadJob(FilteredJob("")).postScript.injections.empty());
+  const JobReport first =
+      ReadJob(FilteredJob(std::string(kWatermark) + "WMARKOnlyFirstTicket=1", "atelier-c90",
+                          "%!PS\ngrestore\nep\ngsave\ngrestore\nep\n"));
+  EXPECT_EQ(first.postScript.injections.at(0).count, 1u);
   EXPECT_NE(ProblemsOf(FilteredJob(std::string(kWatermark) + "WMARKTextTicket=(" +
                                    std::string(120, 'x') + ")"))
                 .find("the watermark's text is cut off"),
@@ -398,7 +402,7 @@ TEST(Inspect, StandsWhateverComes) {
 
 // The exit sequence and the trailer are found however the job comes in pieces.
 TEST(Inspect, ReadsJobsInAnyPieces) {
-  const std::string job = Job("@PJL SET RET=ON\n");
+  const std::string job = Job("@PJL SET RET=ON\n", "%!PS\r\n\r\rshowpage\r\n");
   for (std::size_t cut = 1; cut < job.size(); cut++) {
     JobParser parser;
     parser.feed(std::string_view(job).substr(0, cut), nullptr);
@@ -406,6 +410,7 @@ TEST(Inspect, ReadsJobsInAnyPieces) {
     const JobReport report = parser.finish();
     EXPECT_EQ(Problems(report), "") << cut;
     EXPECT_TRUE(report.trailer && report.postScript.closed) << cut;
+    EXPECT_EQ(report.postScript.lastLine, 8u) << cut;
   }
 }
 
@@ -476,6 +481,12 @@ TEST(InspectTool, ComparesTwoJobs) {
   const auto json = nlohmann::json::parse(InspectTool({"--diff", "--json", first, other}).output);
   EXPECT_FALSE(json["same"]);
   EXPECT_EQ(json["differences"][0]["second"], "N4");
+  const auto insertions = [](const std::string& page, const std::string& nextPage) {
+    const std::string line = "@PJL SET JOBATTR=\"@EIST=";
+    return ReadJob(Job(line + page + "\"\n" + line + nextPage + "\"\n"));
+  };
+  EXPECT_EQ(TextDifference(insertions("2", "1"), insertions("3", "1"), {}),
+            "Special pages\n  Insert after page: 2 -> 3\n");
 }
 
 TEST(InspectTool, RendersPages) {

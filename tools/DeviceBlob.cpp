@@ -53,7 +53,7 @@ std::optional<std::string> DecryptCBC(std::string_view key, std::string_view iv,
     OPENSSL_cleanse(plain.data(), plain.size());
     return std::nullopt;
   }
-  plain.resize(static_cast<std::size_t>(body + end));
+  plain.resize(static_cast<std::size_t>(body) + static_cast<std::size_t>(end));
   return plain;
 }
 

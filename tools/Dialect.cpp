@@ -17,6 +17,11 @@
 
 namespace {
 
+constexpr DialectRow Row(LineForm form, std::string_view code, Group group, std::string_view name,
+                         ValueKind kind, std::string_view detail) {
+  return {code, name, detail, form, group, kind};
+}
+
 constexpr DialectRow kRows[] = {
 #define TEXT ValueKind::kText, ""
 #define SECRET ValueKind::kSecret, ""
@@ -25,11 +30,11 @@ constexpr DialectRow kRows[] = {
 #define BINDER_WORD ValueKind::kBinderWord, ""
 #define WORDS(words) ValueKind::kWords, words
 #define ATTRIBUTE(code, group, name, ...) \
-  {LineForm::kAttribute, code, Group::group, name, __VA_ARGS__},
+  Row(LineForm::kAttribute, code, Group::group, name, __VA_ARGS__),
 #define VARIABLE(code, group, name, ...) \
-  {LineForm::kVariable, code, Group::group, name, __VA_ARGS__},
-#define SUMMARY(code, name, ...) {LineForm::kSummary, code, Group::kSummary, name, __VA_ARGS__},
-#define COMMAND(code, name, ...) {LineForm::kCommand, code, Group::kFrame, name, __VA_ARGS__},
+  Row(LineForm::kVariable, code, Group::group, name, __VA_ARGS__),
+#define SUMMARY(code, name, ...) Row(LineForm::kSummary, code, Group::kSummary, name, __VA_ARGS__),
+#define COMMAND(code, name, ...) Row(LineForm::kCommand, code, Group::kFrame, name, __VA_ARGS__),
 #include "tools/Dialect.def"
 #undef COMMAND
 #undef SUMMARY

@@ -41,12 +41,12 @@ enum class LineForm { kAttribute, kVariable, kSummary, kCommand };
 enum class ValueKind { kText, kSecret, kNumber, kTenths, kBinderWord, kWords };
 
 struct DialectRow {
-  LineForm form;
   std::string_view code;
-  Group group;
   std::string_view name;
-  ValueKind kind;
   std::string_view detail;  // kNumber: the unit; kWords: "word=meaning|word=meaning"
+  LineForm form;
+  Group group;
+  ValueKind kind;
 };
 
 // Every row of Dialect.def.

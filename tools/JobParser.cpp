@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
 #include <utility>
 
 #include "FilterFrame/Source/PostScriptStream.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 
 namespace {
 
@@ -181,7 +181,7 @@ void JobParser::explainLibraryErrors(std::string_view text, std::uint64_t line) 
   constexpr std::string_view kBegin = "ERROR[";
   const std::size_t before = report_.problems.size();
   for (std::size_t at = text.find(kBegin); at != text.npos; at = text.find(kBegin, at + 1)) {
-    const int code = std::atoi(std::string(text.substr(at + kBegin.size(), 4)).c_str());
+    const int code = DecimalInteger(std::string(text.substr(at + kBegin.size(), 4)).c_str());
     const auto* known = std::find_if(std::begin(kLibraryErrors), std::end(kLibraryErrors),
                                      [&](const auto& error) { return error.code == code; });
     if (known == std::end(kLibraryErrors)) continue;

@@ -17,7 +17,8 @@
 
 #include "tools/DisplayText.h"
 
-extern char** environ;
+// macOS's headers leave it to the program.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace {
 
@@ -83,6 +84,7 @@ void PageImages::start(const std::string& folder, int dotsPerInch) {
                                     "-sOutputFile=" + OutputPattern(folder),
                                     "-"};
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
 

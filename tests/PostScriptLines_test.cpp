@@ -14,7 +14,9 @@
 
 namespace {
 
-// What a job comes apart into: the bytes passed on, and the token lines with their places.
+constexpr std::string_view kWished = "%%BeginFeature:";
+
+// What a job comes apart into: the bytes passed on, token lines and wished ones with their places.
 struct Parts {
   std::string bytes;
   std::vector<std::pair<std::size_t, std::string>> tokens;
@@ -33,6 +35,7 @@ Parts ByTheLetter(const std::string& job) {
       for (const PostScriptToken& token : kPostScriptTokens) {
         if (!tail && token.line == line) parts.tokens.emplace_back(parts.bytes.size(), held);
       }
+      if (!tail && line.starts_with(kWished)) parts.tokens.emplace_back(parts.bytes.size(), held);
       parts.bytes += std::exchange(held, "");
       tail = false;
     } else if (held.size() == kLinePieceSize) {
@@ -56,10 +59,10 @@ Parts ByTheReader(const std::string& job, const std::vector<std::size_t>& chunks
     close(ends[1]);
   });
   Parts parts;
-  PostScriptLines lines(ends[0]);
+  PostScriptLines lines(ends[0], {.prefix = kWished});
   for (PostScriptLines::Piece piece; lines.next(piece);) {
     EXPECT_FALSE(piece.bytes.empty());
-    if (piece.token != nullptr) parts.tokens.emplace_back(parts.bytes.size(), piece.bytes);
+    if (piece.token || piece.hasPrefix) parts.tokens.emplace_back(parts.bytes.size(), piece.bytes);
     parts.bytes += piece.bytes;
   }
   writer.join();
@@ -107,7 +110,7 @@ TEST(PostScriptLines, RandomJobsArriveWholeInRandomChunks) {
           job += static_cast<char>(below(256));
           break;
         case 2:
-          job += "%%" + std::string(below(3), 'E');
+          job += std::string(below(2) == 0 ? kWished : "%%") + std::string(below(3), 'E');
           break;
         case 3:
           job += "12.5 40 moveto";

@@ -6,7 +6,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
@@ -21,7 +23,8 @@ namespace {
 std::string scratchFolder;
 
 void RemoveScratchFolder() {
-  std::system(("rm -rf '" + scratchFolder + "'").c_str());
+  std::error_code ignored;
+  std::filesystem::remove_all(scratchFolder, ignored);
 }
 
 const std::string& ScratchFolder() {

@@ -204,7 +204,8 @@ TEST(Comment, FollowsTheRulesOfEachItem) {
       {"NUPEX", "number-up=9" + direction + "3", "LEFTTHENDOWN"},
       {"NUPEX", "number-up=3" + direction + "6", "DOWNTHENLEFT"},
       {"NUPEX", "number-up=1", ""},
-      {"NUP", "number-up=" + std::string(300, '8'), std::string(69, '8') + "@PJL"},  // the line feed is cut off too
+      {"NUP", "number-up=" + std::string(300, '8'),
+       std::string(69, '8') + "@PJL"},  // the line feed is cut off too
   };
   for (const auto& c : cases) EXPECT_EQ(Item(c.item, c.options), c.value) << c.item << c.options;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <string>
 
 #include "DeploymentData.h"
@@ -78,9 +79,7 @@ constexpr char kFooter[] =
 #endif
     "\n\nExit status: 0 done, 1 no usable password, 2 wrong usage.";
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
+int Run(int argc, char* argv[]) {
   bool confirm = false;
   CLI::App app;
   app.description(
@@ -99,4 +98,12 @@ int main(int argc, char* argv[]) {
                     "--version only; it asks for the password itself");
   }
   return SealPassword(confirm);
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) try {
+  return Run(argc, argv);
+} catch (const std::exception& error) {
+  return Complain(kBadData, error.what());
 }

@@ -164,6 +164,14 @@ def main():
         if title.startswith("short"):
             compare(f"{title}, decomposed mode, to /dev/null", filters(["pstops"]), decomposed,
                     runs)
+            job = os.path.join(scratch, "input.job")
+            with open(job, "wb") as output:
+                subprocess.run(filters([])["pstoxpjl"], check=True, stdin=subprocess.DEVNULL,
+                               stdout=output, stderr=subprocess.DEVNULL, env=environment(model))
+            inspect = os.path.join(os.path.dirname(own), "tools", "xpjl-inspect")
+            compare(f"{title}, the finished job inspected",
+                    {**filters([]), "xpjl-inspect": [inspect, job]}, model, runs)
+            os.remove(job)
 
 
 if __name__ == "__main__":

@@ -412,6 +412,15 @@ TEST(Inspect, ReadsJobsInAnyPieces) {
     EXPECT_TRUE(report.trailer && report.postScript.closed) << cut;
     EXPECT_EQ(report.postScript.lastLine, 8u) << cut;
   }
+  const std::string split = Job("", std::string("%!PS\n") + kExit + "@PJL EO?\n");
+  for (std::size_t cut = 1; cut < split.size(); cut++) {
+    std::string document;
+    JobParser parser([&](std::string_view bytes) { document += bytes; });
+    parser.feed(std::string_view(split).substr(0, cut), nullptr);
+    parser.feed(std::string_view(split).substr(cut), nullptr);
+    EXPECT_EQ(parser.finish().postScript.bytes, document.size());
+    EXPECT_EQ(document, "%!PS\n@PJL EO?\n\4") << cut;
+  }
 }
 
 TEST(InspectTool, OpensPasswordsWithTheDeviceKey) {

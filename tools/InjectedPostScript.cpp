@@ -7,6 +7,25 @@
 
 namespace {
 
+// One row for each kind.
+constexpr struct {
+  InjectionKind kind;
+  const char* name;
+  const char* key;
+} kNames[] = {
+    {InjectionKind::kWatermarkProlog, "watermark definitions", "watermark-prolog"},
+    {InjectionKind::kWatermarkPageSetup, "watermark page setup", "watermark-page-setup"},
+    {InjectionKind::kWatermarkText, "watermark", "watermark-text"},
+    {InjectionKind::kSeparatorPages, "separator pages", "separator-pages"},
+    {InjectionKind::kImageShift, "booklet image shift", "image-shift"},
+    {InjectionKind::kAutoScale, "booklet auto-scale", "auto-scale"},
+};
+
+const auto& NamesOf(InjectionKind kind) {
+  return *std::find_if(std::begin(kNames), std::end(kNames),
+                       [kind](const auto& row) { return row.kind == kind; });
+}
+
 constexpr std::string_view kProlog =
     "userdict/fffInfo 2 dict dup begin\n"
     "/fffpgsave 0 def\n"
@@ -82,6 +101,14 @@ void FindSnippets(std::string_view before, std::vector<FoundInjection>& found) {
 }
 
 }  // namespace
+
+const char* InjectionName(InjectionKind kind) {
+  return NamesOf(kind).name;
+}
+
+const char* InjectionKey(InjectionKind kind) {
+  return NamesOf(kind).key;
+}
 
 std::vector<FoundInjection> InjectionsBefore(const PostScriptToken& token,
                                              std::string_view before) {

@@ -12,6 +12,10 @@
 // How much of the document in front of a token line the search wants to see.
 inline constexpr std::size_t kInjectionReach = 1024;
 
+// Name of an injection for readers, and for programs.
+const char* InjectionName(InjectionKind kind);
+const char* InjectionKey(InjectionKind kind);
+
 struct FoundInjection {
   InjectionKind kind;
   std::size_t at;           // where it begins in the text given

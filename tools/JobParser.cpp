@@ -13,12 +13,10 @@
 #include <utility>
 
 #include "FilterFrame/Source/PostScriptStream.h"
-#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
+#include "tools/LibraryMessages.h"
 
 namespace {
 
-constexpr std::string_view kExitSequence = "\033%-12345X";
-constexpr std::string_view kPJL = "@PJL ";
 constexpr std::string_view kEndOfJob = "@PJL EOJ";
 
 constexpr std::size_t kLongestLine = 4096;  // twice what the filter can write
@@ -27,88 +25,11 @@ constexpr std::size_t kMostRemarks = 100;
 constexpr std::size_t kMostPageRanges = 50;
 constexpr std::size_t kExcerpt = 120;
 
-// What the credential library prints in front of a job.
-constexpr struct {
-  int code;
-  const char* meaning;
-} kLibraryErrors[] = {
-    {88, "a password is too long to be sealed"},
-    {106, "the device key is of an unknown type"},
-    {97, "a stored password does not open: it is damaged or was made for another deployment"},
-    {84, "a stored password does not open: the cryptography library failed"},
-    {150, "a password was not sealed: the deployment's device key does not work"},
-    {161, "a password was not sealed: the cryptography library failed"},
-    {131, "a password was not sealed: the cryptography library failed"},
-    {114, "a password was not sealed: there were no random bytes"},
-    {122, "a password was not sealed: there were no random bytes"},
-    {139, "a password was not sealed: there were no random bytes"},
-};
-constexpr std::string_view kLibraryMessages[] = {"ERROR[", "AES Error", "RSA Error[",
-                                                 "Generate Random Error["};
-
-bool IsLibraryMessage(std::string_view text) {
-  return std::any_of(std::begin(kLibraryMessages), std::end(kLibraryMessages),
-                     [&](std::string_view begin) { return text.starts_with(begin); });
-}
-
-// Line feeds, and carriage returns that none follows; one at the very end counts. In bytes and
-// without branches, since it is evaluated for many places at once.
-std::uint64_t CountLineEnds(std::string_view bytes) {
-  constexpr std::size_t kStride = 128;
-  const auto isEnd = [](char c, char next) {
-    return static_cast<unsigned char>((c == '\n') | ((c == '\r') & (next != '\n')));
-  };
-  std::uint64_t count = 0;
-  const char* at = bytes.data();
-  std::size_t left = bytes.size();
-  for (; left > kStride; left -= kStride, at += kStride) {
-    unsigned char here = 0;
-    for (std::size_t i = 0; i < kStride; i++) {
-      here = static_cast<unsigned char>(here + isEnd(at[i], at[i + 1]));
-    }
-    count += here;
-  }
-  for (; left > 0; left--, at++) count += isEnd(*at, left > 1 ? at[1] : '\0');
-  return count;
-}
-
-// The next place where a PJL line begins in a spooled document: behind a line end or the end byte.
-std::size_t FindPJLLine(std::string_view bytes, char before) {
-  for (std::size_t at = bytes.find(kPJL); at != bytes.npos; at = bytes.find(kPJL, at + 1)) {
-    const char previous = at > 0 ? bytes[at - 1] : before;
-    if (previous == '\n' || previous == '\r' || previous == kEndOfTransmission) return at;
-  }
-  return bytes.npos;
-}
-
 std::string Number(std::uint64_t number, const char* one, const char* several) {
   return std::to_string(number) + " " + (number == 1 ? one : several);
 }
 
 }  // namespace
-
-std::size_t ExitSearch::findEnd(std::string_view bytes) {
-  std::size_t at = 0;
-  if (matched_ > 0) {
-    while (at < bytes.size() && matched_ < kExitSequence.size() &&
-           bytes[at] == kExitSequence[matched_]) {
-      at++;
-      matched_++;
-    }
-    if (matched_ < kExitSequence.size() && at == bytes.size()) return bytes.npos;
-    if (std::exchange(matched_, 0) == kExitSequence.size()) return at;
-  }
-  for (at = bytes.find(kExitSequence[0], at); at != bytes.npos;
-       at = bytes.find(kExitSequence[0], at + 1)) {
-    const std::string_view candidate = bytes.substr(at, kExitSequence.size());
-    if (candidate == kExitSequence) return at + kExitSequence.size();
-    if (kExitSequence.starts_with(candidate)) {
-      matched_ = candidate.size();
-      return bytes.npos;
-    }
-  }
-  return bytes.npos;
-}
 
 void JobParser::feed(std::string_view bytes, const PostScriptToken* token) {
   report_.bytes += bytes.size();
@@ -170,27 +91,17 @@ void JobParser::beforeJob(std::string_view& bytes) {
 }
 
 void JobParser::explainPrecedingBytes() {
-  if (IsLibraryMessage(held_)) return explainLibraryErrors(held_, 1);
+  if (IsLibraryMessage(held_)) return libraryMessages(held_, 1);
   problem(1,
           Number(heldBytes_, "byte stands", "bytes stand") +
               " in front of the exit sequence; the printer may take them for text",
           held_);
 }
 
-void JobParser::explainLibraryErrors(std::string_view text, std::uint64_t line) {
-  constexpr std::string_view kBegin = "ERROR[";
-  const std::size_t before = report_.problems.size();
-  for (std::size_t at = text.find(kBegin); at != text.npos; at = text.find(kBegin, at + 1)) {
-    const int code = DecimalInteger(std::string(text.substr(at + kBegin.size(), 4)).c_str());
-    const auto* known = std::find_if(std::begin(kLibraryErrors), std::end(kLibraryErrors),
-                                     [&](const auto& error) { return error.code == code; });
-    if (known == std::end(kLibraryErrors)) continue;
-    const std::string_view message = text.substr(at, text.find('\n', at) - at);
-    problem(line + CountLineEnds(text.substr(0, at)),
-            std::string("a message of the credential library: ") + known->meaning, message);
-  }
-  if (report_.problems.size() == before) {
-    problem(line, "a message of the credential library", text.substr(0, text.find('\n')));
+void JobParser::libraryMessages(std::string_view text, std::uint64_t line) {
+  for (const LibraryMessage& message : ExplainLibraryMessages(text)) {
+    problem(line + message.line, "a message of the credential library" + message.meaning,
+            message.text);
   }
 }
 
@@ -227,7 +138,7 @@ void JobParser::headerLine() {
   std::string_view line(held_.data(), held_.size() - 1);
   const bool crLf = line.ends_with('\r');
   if (crLf) line.remove_suffix(1);
-  if (IsLibraryMessage(line)) return explainLibraryErrors(line, heldLine_);
+  if (IsLibraryMessage(line)) return libraryMessages(line, heldLine_);
   if (!line.starts_with(kPJL)) {
     return problem(heldLine_, "a line in the header that is no PJL", line);
   }
@@ -402,6 +313,7 @@ void JobParser::addInjection(const FoundInjection& found, std::uint64_t page, st
 }
 
 void JobParser::trailer(std::string_view& bytes) {
+  const std::string matched = held_;
   held_.append(bytes.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
   const std::size_t length = std::min(held_.size(), kEndOfJob.size());
   if (std::string_view(held_).substr(0, length) == kEndOfJob.substr(0, length)) {
@@ -417,6 +329,7 @@ void JobParser::trailer(std::string_view& bytes) {
   state_ = inHeader ? State::kHeader : State::kPostScript;
   held_.clear();
   heldBytes_ = 0;
+  if (!inHeader) passOn(matched);
 }
 
 JobReport JobParser::finish() {
@@ -521,40 +434,4 @@ JobReport ReadJob(std::string_view bytes) {
   std::fwrite(bytes.data(), 1, bytes.size(), file.get());
   std::rewind(file.get());
   return ReadJob(fileno(file.get()));
-}
-
-const char* InjectionName(InjectionKind kind) {
-  switch (kind) {
-    case InjectionKind::kWatermarkProlog:
-      return "watermark definitions";
-    case InjectionKind::kWatermarkPageSetup:
-      return "watermark page setup";
-    case InjectionKind::kWatermarkText:
-      return "watermark";
-    case InjectionKind::kSeparatorPages:
-      return "separator pages";
-    case InjectionKind::kImageShift:
-      return "booklet image shift";
-    case InjectionKind::kAutoScale:
-      return "booklet auto-scale";
-  }
-  return "";
-}
-
-const char* InjectionKey(InjectionKind kind) {
-  switch (kind) {
-    case InjectionKind::kWatermarkProlog:
-      return "watermark-prolog";
-    case InjectionKind::kWatermarkPageSetup:
-      return "watermark-page-setup";
-    case InjectionKind::kWatermarkText:
-      return "watermark-text";
-    case InjectionKind::kSeparatorPages:
-      return "separator-pages";
-    case InjectionKind::kImageShift:
-      return "image-shift";
-    case InjectionKind::kAutoScale:
-      return "auto-scale";
-  }
-  return "";
 }

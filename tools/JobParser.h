@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "FilterFrame/Source/PostScriptLines.h"
+#include "tools/ByteSearch.h"
 #include "tools/InjectedPostScript.h"
 #include "tools/JobReport.h"
 
@@ -20,19 +21,6 @@ JobReport ReadJob(int fd, const PostScriptSink& sink = {});
 
 // Reads a job that lies in memory.
 JobReport ReadJob(std::string_view bytes);
-
-// Finds the exit sequence, also where it is spread over pieces.
-class ExitSearch {
- public:
-  // The position behind the first exit sequence that ends in `bytes`; npos when none does.
-  std::size_t findEnd(std::string_view bytes);
-
-  // How many bytes of an exit sequence the last search ended with.
-  std::size_t begun() const { return matched_; }
-
- private:
-  std::size_t matched_ = 0;
-};
 
 class JobParser {
  public:
@@ -54,7 +42,7 @@ class JobParser {
   void trailer(std::string_view& bytes);
 
   void explainPrecedingBytes();
-  void explainLibraryErrors(std::string_view text, std::uint64_t line);
+  void libraryMessages(std::string_view text, std::uint64_t line);
   void headerLine();
   void pjlLine(std::string_view line, bool crLf);
   void knownLine(const DialectRow& row, std::string_view line, std::string_view value);

@@ -68,7 +68,3 @@ struct JobReport {
   std::vector<Remark> notes;
   PostScriptFacts postScript;
 };
-
-// Name of an injection for readers, and for programs.
-const char* InjectionName(InjectionKind kind);
-const char* InjectionKey(InjectionKind kind);

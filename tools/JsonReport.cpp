@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tools/InjectedPostScript.h"
 #include "tools/ReportLines.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include "tools/ReportLines.h"
 
 #include "tools/Dialect.h"
+#include "tools/InjectedPostScript.h"
 
 namespace {
 

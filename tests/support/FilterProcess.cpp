@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,11 +45,16 @@ void Close(int& fd) {
 
 }  // namespace
 
+void FilterJob::afterShell(const std::string& commands) {
+  under = {"/bin/sh", "-c", commands + "; exec \"$0\" \"$@\""};
+}
+
 FilterProcess::FilterProcess(const FilterJob& job) {
   std::signal(SIGPIPE, SIG_IGN);
   Pipe input, output, messages;
-  std::vector<std::string> arguments = job.arguments;
-  arguments.insert(arguments.begin(), "pstoxpjl");
+  std::vector<std::string> arguments = job.under;
+  arguments.emplace_back(FILTER_BINARY);
+  arguments.insert(arguments.end(), job.arguments.begin(), job.arguments.end());
   std::vector<std::string> environment = {"PATH=/usr/bin:/bin"};
   for (const auto& [name, value] : job.environment) environment.push_back(name + "=" + value);
   const std::vector<char*> argv = Pointers(arguments);
@@ -60,7 +66,7 @@ FilterProcess::FilterProcess(const FilterJob& job) {
     dup2(input.ends[0], STDIN_FILENO);
     dup2(output.ends[1], STDOUT_FILENO);
     dup2(messages.ends[1], STDERR_FILENO);
-    execve(FILTER_BINARY, argv.data(), envp.data());
+    execve(argv[0], argv.data(), envp.data());
     _exit(127);
   }
   close(input.ends[0]);
@@ -104,6 +110,22 @@ std::string FilterProcess::readUntil(const std::string& end) {
     if (poll(&ready, 1, kPatience) != 1 || !ReadSome(output_, outputSoFar_)) break;
   }
   return outputSoFar_;
+}
+
+void FilterProcess::readBytes(std::size_t count) {
+  while (outputSoFar_.size() < count && ReadSome(output_, outputSoFar_)) {
+  }
+}
+
+void FilterProcess::waitUntilItWaits() const {
+  for (int tries = 0; tries < 10'000; tries++, usleep(1000)) {
+    int unread = 0;
+    if (input_ >= 0) ioctl(input_, FIONREAD, &unread);
+    std::ifstream status("/proc/" + std::to_string(pid_) + "/stat");
+    std::string number, name, state;
+    status >> number >> name >> state;
+    if (state == "Z" || (state == "S" && unread == 0)) return;
+  }
 }
 
 FilterResult FilterProcess::finish() {

@@ -12,6 +12,9 @@ struct FilterJob {
   std::vector<std::string> arguments = {"1", "user", "title", "1", ""};
   std::map<std::string, std::string> environment;  // besides a PATH
   std::string input;                               // standard input
+  std::vector<std::string> under;  // a program with its arguments that runs the filter
+
+  void afterShell(const std::string& commands);  // the filter inherits what these commands set
 };
 
 struct FilterResult {
@@ -33,8 +36,12 @@ class FilterProcess {
   void closeInput();
   void closeOutput();                             // as a next program that dies
   std::string readUntil(const std::string& end);  // standard output so far; gives up after 10 s
-  FilterResult finish();                          // closes the input and drains
-  FilterResult drain();                           // reads the rest and waits for the end
+  void readBytes(std::size_t count);              // so many of standard output, or a few more
+  // Waits until the filter has taken all input so far and sleeps, or has ended; gives up after 10
+  // s. Needs Linux's /proc.
+  void waitUntilItWaits() const;
+  FilterResult finish();  // closes the input and drains
+  FilterResult drain();   // reads the rest and waits for the end
 
  private:
   pid_t pid_ = -1;

@@ -197,6 +197,15 @@ TEST_P(Surroundings, AReaderMayStopAndThenGoOnOrCancelOrDie) {
   }
 }
 
+TEST_P(Surroundings, ABlockLostAmongOthersIsSaid) {
+  Job job(decomposed);
+  job.outputPacket = 16 * 1024;
+  job.arguments.push_back(job.folder.write("job.ps", std::string(64 * 1024, '\n')));
+  const FilterResult result = RunFilter(job);
+  EXPECT_NE(Body(result.output), "(no frame)");
+  EXPECT_EQ(result.messages, "ERROR: Unable to write print data: Message too long\n");
+}
+
 TEST_P(Surroundings, InputMayComeByteByByte) {
   const Job job(decomposed, "%!PS\nbp\n" + kFeature + "TCPR GCPR ICPR\none\nep\nx\n\n");
   FilterProcess filter(job);

@@ -229,11 +229,10 @@ void EndSpool(std::string_view lastByte, std::FILE* spool) {
   if (lastByte != std::string_view(&kEndOfTransmission, 1)) ZRfputc(kEndOfTransmission, spool);
 }
 
-// The spooled PostScript reaches standard output without the primitives: the job copy has it.
 void CopyBack(int fd) {
   PostScriptLines lines(fd);
   for (PostScriptLines::Piece piece; lines.next(piece);) {
-    std::fwrite(piece.bytes.data(), 1, piece.bytes.size(), stdout);
+    WriteUncopied(piece.bytes.data(), 1, piece.bytes.size(), stdout);
     if (piece.token == nullptr) continue;
     if (piece.token->endsPage) FlushOutput(stdout);
     if (piece.token->pollsCancel && CancelJob == 1) return;

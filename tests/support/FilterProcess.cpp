@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,8 +16,10 @@
 namespace {
 
 struct Pipe {
-  Pipe() {
-    if (pipe(ends) != 0) std::abort();
+  explicit Pipe(int packet = 0) {
+    if ((packet == 0 ? pipe(ends) : socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends)) != 0)
+      std::abort();
+    if (packet != 0) setsockopt(ends[1], SOL_SOCKET, SO_SNDBUF, &packet, sizeof packet);
     for (int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
   }
   int ends[2];
@@ -51,7 +54,7 @@ void FilterJob::afterShell(const std::string& commands) {
 
 FilterProcess::FilterProcess(const FilterJob& job) {
   std::signal(SIGPIPE, SIG_IGN);
-  Pipe input, output, messages;
+  Pipe input, output(job.outputPacket), messages;
   std::vector<std::string> arguments = job.under;
   arguments.emplace_back(FILTER_BINARY);
   arguments.insert(arguments.end(), job.arguments.begin(), job.arguments.end());

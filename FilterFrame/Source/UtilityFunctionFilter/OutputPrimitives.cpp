@@ -19,6 +19,10 @@ void NoteResult(std::FILE* stream, bool written) {
 
 void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream) {
   if (gJobFilefp != nullptr) std::fwrite(buf, size, count, gJobFilefp);
+  WriteUncopied(buf, size, count, stream);
+}
+
+void WriteUncopied(const void* buf, std::size_t size, std::size_t count, std::FILE* stream) {
   NoteResult(stream, std::fwrite(buf, size, count, stream) == count);
 }
 

@@ -1,5 +1,5 @@
 // The single way to the printer: every byte written here goes to the job copy first, when one is
-// open, and then to the given stream.
+// open and has not had it yet, and then to the given stream.
 
 #pragma once
 
@@ -8,6 +8,9 @@
 
 // Writes `count` elements of `size` bytes each.
 void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream);
+
+// The same for bytes that the job copy has already.
+void WriteUncopied(const void* buf, std::size_t size, std::size_t count, std::FILE* stream);
 
 // Writes a NUL-terminated text.
 void ZRfputs(const char* str, std::FILE* stream);

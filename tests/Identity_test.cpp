@@ -54,7 +54,7 @@ std::string AccountingLines(const std::string& settings, const char* ppdLines = 
   Arguments args(Tickets(StorePasswords(settings)));
   CopyBounded(HostNameStr, "atlas");
   CopyBounded(StdUserName, "sam");
-  CopyBounded(StdJBAUserName, "sam");
+  CopyBounded(StdJBAUserName, "acc");
   CopyBounded(StdDocumentName, "letter");
   testing::internal::CaptureStdout();
   JBAGetTicketFromPDE(args);
@@ -85,7 +85,7 @@ void Check(std::initializer_list<AccountingCase> cases) {
 
 TEST(Accounting, EveryJobSaysWhereItComesFrom) {
   Check(
-      {{"no tickets: the login user all the same", "", "@JOAU=sam^"},
+      {{"no tickets: the login user all the same", "", "@JOAU=acc^"},
        {"no management type", "JBAUserIDTextEditTicket=", ""},
        {"unknown management type", "JBAManageTypeListTicketKey=3 JBAUserIDTextEditTicket=x", ""}});
   EXPECT_EQ(
@@ -115,24 +115,24 @@ const std::string kLogin = kUserCommon + "JBAUserIDListCtrlTicket=1 ";
 
 TEST(Accounting, UserModeByLoginName) {
   Check({
-      {"no information set", kLogin + "JBAInfoListTicketKey=0", "@JOAU=sam^@JOEP=^@DAID=^"},
-      {"user account", kLogin + "JBAInfoListTicketKey=1", "@JOAU=sam^@JOEP=^@DAID=^"},
+      {"no information set", kLogin + "JBAInfoListTicketKey=0", "@JOAU=acc^@JOEP=^@DAID=^"},
+      {"user account", kLogin + "JBAInfoListTicketKey=1", "@JOAU=acc^@JOEP=^@DAID=^"},
       {"billing", kLogin + "JBAInfoListTicketKey=2", "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
-      {"all", kLogin + "JBAInfoListTicketKey=3", "@JOAU=sam^@JOEP=^@DAID=^"},
+      {"all", kLogin + "JBAInfoListTicketKey=3", "@JOAU=acc^@JOEP=^@DAID=^"},
       {"another list", kLogin + "JBAInfoListTicketKey=4", "@JOEP=^@DAID=^"},
       {"placeholder form", kLogin + "JBAInfoListTicketKey=1 JBAInfoSetListTicketKey=8",
        "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
       {"placeholder form without information",
-       kLogin + "JBAInfoListTicketKey=0 JBAInfoSetListTicketKey=8", "@JOAU=sam^@JOEP=^@DAID=^"},
+       kLogin + "JBAInfoListTicketKey=0 JBAInfoSetListTicketKey=8", "@JOAU=acc^@JOEP=^@DAID=^"},
       {"everything",
        kLogin + "JBAInfoListTicketKey=0 JBAUserPasswordTextEditTicket=<pw> "
                 "JBADomainNameTextEditTicket=office JBAAccountIDTextEditTicket=a7 "
                 "JBAStorageIDTextEditTicket=s9 JBAStoragePasswordTextEditTicket=<spw>",
-       "@JOAU=sam^@JOEP=<pw>^@JOAD=office^@DAID=a7^@ACID=s9^@ACEP=<spw>^"},
+       "@JOAU=acc^@JOEP=<pw>^@JOAD=office^@DAID=a7^@ACID=s9^@ACEP=<spw>^"},
       {"user ID ticket missing: the name twice",
        "JBAManageTypeListTicketKey=2 JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=1 "
        "JBAInfoListTicketKey=0",
-       "@JOAU=sam^@JOAU=sam^@JOEP=^@DAID=^"},
+       "@JOAU=acc^@JOAU=acc^@JOEP=^@DAID=^"},
   });
 }
 
@@ -190,20 +190,20 @@ TEST(Accounting, AdministratorMode) {
   const std::string input = admin + "JBAAdminUserInputRadioBtnTicket=1 ";
   const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
   Check({
-      {"login name", login + "JBAInfoListTicketKey=0", "", "", "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
+      {"login name", login + "JBAInfoListTicketKey=0", "", "", "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
       {"login name, user account", login + "JBAInfoListTicketKey=1", "", "",
-       "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
+       "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
       {"login name, billing", login + "JBAInfoListTicketKey=2", "", "",
        "@JOAU=UnknownUser$@JOEP=^@DAID=^" + kTitle},
       {"login name, all", login + "JBAInfoListTicketKey=3", "", "",
-       "@JOAU=sam^@JOEP=^@DAID=^" + kTitle},
+       "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
       {"login name, placeholder form", login + "JBAInfoListTicketKey=3 JBAInfoSetListTicketKey=8",
        "", "", "@JOAU=UnknownUser$@JOEP=^@DAID=^" + kTitle},
       {"login name, everything",
        login + "JBAInfoListTicketKey=0 JBAAdminUserPasswordTextEditTicket=<apw> "
                "JBAAdminDomainNameTextEditTicket=hq JBAAdminAccountIDTextEditTicket=c1 "
                "JBAAdminStorageIDTextEditTicket=u2 JBAAdminStoragePasswordTextEditTicket=<upw>",
-       "", "", "@JOAU=sam^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^" + kTitle + "@ACEP=<upw>^"},
+       "", "", "@JOAU=acc^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^" + kTitle + "@ACEP=<upw>^"},
       {"entered name",
        entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2", "", "",
        "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^" + kTitle + "@ACEP=^"},

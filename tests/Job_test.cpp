@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/support/FilterProcess.h"
+#include "tests/support/Tickets.h"
 
 namespace {
 
@@ -87,6 +88,35 @@ TEST(Job, HeaderFollowsThePPD) {
     FilterJob job = JobWith("");
     job.environment["PPD"] = folder.write("test.ppd", PPDText(c.ppd));
     EXPECT_EQ(RunFilter(job).output, c.header + "\x04" + kTrailer) << c.what;
+  }
+}
+
+TEST(Job, HeaderHasTheDevicesOrder) {
+  const ScratchFolder folder;
+  FilterJob job = JobWith("");
+  job.environment["PPD"] = folder.write(
+      "test.ppd", PPDText("*ZLVPrinterLanguageEncoding: \"UTF-8\"\n*CommentOn: \"True\"\n"));
+  job.arguments[4] = Tickets(
+      "PrintTypeTicketKey=3 PrintTypeUserNameTicketKey=kim OffsetStackingListTicket=4 "
+      "ZLVPBindPosition=BindLeft ZLVTonerSaver=Mode2 XPIFCoverCountTicket=1 "
+      "XPIFCoverValueTicket_0=0,0,print-both ");
+  const std::string output = RunFilter(job).output;
+  std::size_t at = 0;
+  for (const char* part :
+       {"STRINGCODESET", "JOB MODE", "HOLD=PROOF", "@CNAM", "JOBOFFSET", "@PBRE", "@DIND",
+        "ECONOMODE", "RENDERMODE", "@EFCV", "PRINTJOBINFO VERSION", "BEGIN", "JOBTYPE",
+        "ORIENTATION", "PRINTJOBINFO END", "ENTER LANGUAGE", "EOJ"}) {
+    EXPECT_NE(at = output.find(part, at), output.npos) << part;
+  }
+}
+
+TEST(Job, ATitleWithALineEndIsNoName) {
+  for (const char* title : {"two\nlines", "two\rlines", "\n"}) {
+    FilterJob job = JobWith("");
+    job.arguments[2] = title;
+    const std::string output = RunFilter(job).output;
+    EXPECT_EQ(output.find("@ACNA"), output.npos) << output;
+    EXPECT_EQ(output.find("lines"), output.npos) << output;
   }
 }
 

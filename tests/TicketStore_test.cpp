@@ -161,6 +161,21 @@ TEST(TicketStore, SealsStoredPasswordsForTheDevice) {
   }
 }
 
+// Whether the stack below the caller, which nobody has cleared, still holds these bytes.
+[[gnu::noinline]] bool StackHolds(std::string_view bytes) {
+  volatile char left[64 * 1024];
+  std::string copy(sizeof left, '\0');
+  for (std::size_t i = 0; i < sizeof left; i++) copy[i] = left[i];
+  return copy.find(bytes) != copy.npos;
+}
+
+TEST(TicketStore, OpenedPasswordsAreWiped) {
+  const std::string password = "correct horse battery staple";
+  const std::string option = "key=" + Stored(password);
+  EXPECT_EQ(Get(GetTicketPasswordStringConvertedToEncryption, option).first, 1);
+  EXPECT_FALSE(StackHolds(std::string_view(password).substr(8)));
+}
+
 TEST(TicketStore, PasswordsThatDoNotOpenCountAsEmpty) {
   const auto get = [](const std::string& value) {
     return Get(GetTicketPasswordStringConvertedToEncryption, value);

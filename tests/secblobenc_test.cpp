@@ -358,8 +358,9 @@ TEST(SecBlobEnc, Base64) {
     EXPECT_STREQ(decoded.c_str(), bytes);
   }
   std::string decoded(16, '#');
-  for (const char* bad : {"", "\n", "Zg", "Zg=", "Z===", "====", "=Zg=", "Zg==Zg==", "Zm9v=",
-                          "Zg=a", "Zm 9v", " Zm9v", "Zm9v ", "Zm9v\r\n", "Zm-_", "Zm9\xc3"}) {
+  for (const char* bad :
+       {"", "\n", "Zg", "Zg=", "Z===", "====", "=Zg=", "Zg==Zg==", "Zm9vZ===", "Zm9v=", "Zg=a",
+        "Zm 9v", " Zm9v", "Zm9v ", "Zm9v\r\n", "Zm-_", "Zm9\xc3"}) {
     EXPECT_EQ(SecBlobEnc_Base64_Decode(bad, Bytes(decoded)), 0) << bad;
   }
   EXPECT_EQ(decoded, std::string(16, '#'));

@@ -10,13 +10,10 @@
 #include <fstream>
 #include <system_error>
 
-#include "FilterFrame/Source/JobState.h"
+#include "FilterFrame/Source/JobNames.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
-#include "text/BoundedText.h"
-#include "text/Encoding.h"
-#include "text/NameNormalisation.h"
 
 namespace {
 
@@ -82,19 +79,9 @@ void WriteHeader(const std::string& user, const std::string& title, const std::s
   std::string texts[] = {user, title, options};
   char* args[] = {word.data(), word.data(),     texts[0].data(), texts[1].data(),
                   word.data(), texts[2].data(), nullptr};
-  if (PrinterLanguageIsUTF8()) {
-    ConvertUTF8ToEncodingForUTF8(args[2], StdUserName, kUserNameSizeForUTF8);
-    CopyBounded(StdJBAUserName, kJBAUserNameSizeForUTF8, StdUserName);
-    ConvertUTF8ToEncodingForUTF8(args[3], StdDocumentName, kNameSize);
-    ConvertUTF8ToEncodingForUTF8(args[3], PTStdDocumentName, kNameSize);
-  } else {
-    ConvertUTF8ToEncoding(args[2], StdUserName, kNameSize);
-    CopyBounded(StdJBAUserName, kJBAUserNameSize, StdUserName);
-    ConvertUTF8ToEncoding(args[3], StdDocumentName, kNameSize);
-  }
+  ReadUserName(args[2]);
   InvalidateStdUserName();
-  InvalidateStdDocumentNameForProductType(args);
-  if (PrinterLanguageIsUTF8()) InvalidatePrintTypeDocumentNameForProductType(args);
+  ReadDocumentName(args);
   InializeDescriptionTable();
   GetTicketFromPDE(args);
   OutputXPJLCommand(args);

@@ -2,11 +2,11 @@
 
 #include <cstring>
 
+#include "FilterFrame/Source/JobNames.h"
 #include "engine/TicketStore.h"
 #include "fuzz/FuzzSupport.h"
 #include "text/BoundedText.h"
 #include "text/Encoding.h"
-#include "text/NameNormalisation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "FilterFrame/Source/JobNames.h"
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
 #include "tests/support/Tickets.h"
 #include "text/BoundedText.h"
-#include "text/NameNormalisation.h"
 
 namespace {
 

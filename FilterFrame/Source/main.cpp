@@ -10,6 +10,7 @@
 
 #include "FilterFrame/Source/DecomposedStream.h"
 #include "FilterFrame/Source/JobCopy.h"
+#include "FilterFrame/Source/JobNames.h"
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/PostScriptStream.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
@@ -17,9 +18,6 @@
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
-#include "text/BoundedText.h"
-#include "text/Encoding.h"
-#include "text/NameNormalisation.h"
 
 namespace {
 
@@ -43,31 +41,6 @@ void OccupyStandardDescriptors() {
 void BufferOutput() {
   static char buffer[kOutputBufferSize];
   std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
-}
-
-void ReadUserName(const char* user, bool utf8) {
-  if (utf8) {
-    ConvertUTF8ToEncodingForUTF8(user, StdUserName, kUserNameSizeForUTF8);
-    CopyBounded(StdJBAUserName, kJBAUserNameSizeForUTF8, StdUserName);
-  } else {
-    ConvertUTF8ToEncoding(user, StdUserName, kNameSize);
-    CopyBounded(StdJBAUserName, kJBAUserNameSize, StdUserName);
-  }
-}
-
-// A title with a line end would break the header's lines; such a job has no name.
-void ReadDocumentName(char* argv[], bool utf8) {
-  const char* title = argv[3];
-  if (std::strpbrk(title, "\r\n") != nullptr) return;
-  if (utf8) {
-    ConvertUTF8ToEncodingForUTF8(title, StdDocumentName, kNameSize);
-    ConvertUTF8ToEncodingForUTF8(title, PTStdDocumentName, kNameSize);
-    InvalidateStdDocumentNameForProductType(argv);
-    InvalidatePrintTypeDocumentNameForProductType(argv);
-  } else {
-    ConvertUTF8ToEncoding(title, StdDocumentName, kNameSize);
-    InvalidateStdDocumentNameForProductType(argv);
-  }
 }
 
 void SignalHandler(int /*signal*/) {
@@ -104,12 +77,11 @@ int main(int argc, char* argv[]) {
   OccupyStandardDescriptors();
   BufferOutput();
 
-  const bool utf8 = PrinterLanguageIsUTF8();
-  ReadUserName(argv[2], utf8);
+  ReadUserName(argv[2]);
   InstallHandler(SIGTERM, SignalHandler);
   InstallHandler(SIGPIPE, SignalPipeHandler);
   InvalidateStdUserName();
-  ReadDocumentName(argv, utf8);
+  ReadDocumentName(argv);
 
   InializeDescriptionTable();
   OpenJobCopy();

@@ -1,11 +1,19 @@
-// The names the device shows and accounts by: cut to its limits, and replaced or blanked when they
-// hold characters it does not take. Works on the job's name buffers, after they have been filled
-// from the filter's arguments. Limits count UTF-16 units for UTF-8 printers and bytes for others.
+// The names the device shows and accounts by: taken from the filter's arguments into the job's name
+// buffers, cut to the device's limits, and replaced or blanked when they hold characters it does
+// not take. Limits count UTF-16 units for UTF-8 printers and bytes for others.
 
 #pragma once
 
 #include <cstdint>
 #include <utility>
+
+// Fills StdUserName and StdJBAUserName from UTF-8 text in the printer's encoding, cut to the
+// buffers.
+void ReadUserName(const char* user);
+
+// Fills the document names from the title in args[3], likewise, and cuts them to what the product
+// type allows. A title with a line end would break the header's lines; such a job has no name.
+void ReadDocumentName(char* args[]);
 
 // The characters a device takes in a name. Pairs beyond the counts are zero.
 struct ValidateDataScale {

@@ -1,6 +1,6 @@
 // Scales, checks, and the rules by printer language and product type.
 
-#include "text/NameNormalisation.h"
+#include "FilterFrame/Source/JobNames.h"
 
 #include <cstring>
 #include <optional>
@@ -106,6 +106,30 @@ const ValidateDataScale docuNameValidateDataScaleForProduct03 = {{2, {{0x20, 0x7
                                                                  {}};
 const ValidateDataScale docuNameValidateDataScaleForProduct03UTF8 = {{1, {{0x20, 0xFF}}},
                                                                      {1, {{0x0020, 0x00FF}}}};
+
+void ReadUserName(const char* user) {
+  if (PrinterLanguageIsUTF8()) {
+    ConvertUTF8ToEncodingForUTF8(user, StdUserName, kUserNameSizeForUTF8);
+    CopyBounded(StdJBAUserName, kJBAUserNameSizeForUTF8, StdUserName);
+  } else {
+    ConvertUTF8ToEncoding(user, StdUserName, kNameSize);
+    CopyBounded(StdJBAUserName, kJBAUserNameSize, StdUserName);
+  }
+}
+
+void ReadDocumentName(char* args[]) {
+  const char* title = args[3];
+  if (std::strpbrk(title, "\r\n") != nullptr) return;
+  if (PrinterLanguageIsUTF8()) {
+    ConvertUTF8ToEncodingForUTF8(title, StdDocumentName, kNameSize);
+    ConvertUTF8ToEncodingForUTF8(title, PTStdDocumentName, kNameSize);
+    InvalidateStdDocumentNameForProductType(args);
+    InvalidatePrintTypeDocumentNameForProductType(args);
+  } else {
+    ConvertUTF8ToEncoding(title, StdDocumentName, kNameSize);
+    InvalidateStdDocumentNameForProductType(args);
+  }
+}
 
 bool ISByteValid(const char* text, const ValidateDataScale& scale) {
   return InRanges(ByteAt(text), scale.bytes);

@@ -56,8 +56,9 @@ constexpr Flag MayBeginToken(const char* at) {
 }
 
 // The first place in [from, end) where a token line may begin, or end. The byte before `from` is
-// readable.
-const char* FindCandidate(const char* from, const char* end) {
+// readable. Where the platform can choose between two forms when the program is loaded, this is
+// compiled for wider vectors as well.
+FOR_WIDER_VECTORS const char* FindCandidate(const char* from, const char* end) {
   constexpr std::ptrdiff_t kStride = 64;
   for (; end - from >= kStride; from += kStride) {
     Flag found = 0;

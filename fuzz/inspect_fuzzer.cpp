@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/FuzzSupport.h"
-#include "tools/JobParser.h"
+#include "tools/JobReader.h"
 #include "tools/Reports.h"
 #include "tools/SealedPasswords.h"
 

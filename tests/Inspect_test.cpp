@@ -14,7 +14,7 @@
 #include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
 #include "tests/support/ToolProcess.h"
-#include "tools/JobParser.h"
+#include "tools/JobReader.h"
 #include "tools/ReportLines.h"
 #include "tools/SealedPasswords.h"
 

@@ -14,6 +14,7 @@
 #include "modules/features/Features.h"
 #include "modules/perfectbind/PerfectBind.h"
 #include "modules/printtype/PrintType.h"
+#include "tools/ByteSearch.h"
 
 namespace {
 
@@ -47,8 +48,6 @@ constexpr DialectRow kRows[] = {
 #undef SECRET
 #undef TEXT
 };
-
-constexpr std::string_view kPJL = "@PJL ";
 
 // The tables of the filter's rows.
 constexpr struct {

@@ -2,14 +2,7 @@
 
 #include "tools/JobParser.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <iterator>
-#include <memory>
 #include <utility>
 
 #include "FilterFrame/Source/PostScriptStream.h"
@@ -22,7 +15,6 @@ constexpr std::string_view kEndOfJob = "@PJL EOJ";
 constexpr std::size_t kLongestLine = 4096;  // twice what the filter can write
 constexpr std::size_t kMostHeaderBytes = 1024 * 1024;
 constexpr std::size_t kMostRemarks = 100;
-constexpr std::size_t kMostPageRanges = 50;
 constexpr std::size_t kExcerpt = 120;
 
 std::string Number(std::uint64_t number, const char* one, const char* several) {
@@ -199,8 +191,8 @@ void JobParser::enterPostScript() {
   if (!jobMode_) problem(0, "the header has no line @PJL JOB MODE=PRINTER");
   if (summaryOpen_) problem(0, "the job summary has no end");
   report_.spooledCopy = !entered_;
-  report_.postScript.present = true;
-  report_.postScript.firstLine = line_;
+  document_.facts().present = true;
+  document_.facts().firstLine = line_;
   lastByte_ = '\n';
   held_.clear();
   heldBytes_ = 0;
@@ -223,8 +215,11 @@ void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token
     }
     document = bytes.substr(0, line);
   }
-  if (token != nullptr) tokenLine(*token);
-  if (!expected_.text.empty() && token == nullptr) matchExpected(document);
+  if (token == nullptr) {
+    document_.matchExpected(document);
+  } else if (const auto fault = document_.beforeToken(*token, {line_, offset_})) {
+    problem(fault->line, fault->text, fault->excerpt);
+  }
 
   const std::size_t before = exit_.begun();
   const std::size_t end = exit_.findEnd(document);
@@ -235,14 +230,8 @@ void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token
   if (before > 0 && !goesOn) passOn(kExitSequence.substr(0, before));
   passOn(document.substr(0, taken - ofExit));
   take(bytes, taken);
-  report_.postScript.lastLine = line_;
-  if (token != nullptr) {
-    tail_.clear();
-    expected_ = InjectionAfter(*token);
-    expectedMatched_ = 0;
-    expectedLine_ = line_;
-    expectedOffset_ = offset_;
-  }
+  document_.facts().lastLine = line_;
+  if (token != nullptr) document_.afterToken(*token, {line_, offset_});
   if (!ends) return;
   held_.clear();
   heldBytes_ = 0;
@@ -254,62 +243,8 @@ void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token
 void JobParser::passOn(std::string_view bytes) {
   if (bytes.empty()) return;
   if (sink_) sink_(bytes);
-  report_.postScript.bytes += bytes.size();
+  document_.take(bytes);
   lastByte_ = bytes.back();
-  if (bytes.size() >= kInjectionReach) {
-    tail_ = bytes.substr(bytes.size() - kInjectionReach);
-    return;
-  }
-  tail_ += bytes;
-  if (tail_.size() > kInjectionReach) tail_.erase(0, tail_.size() - kInjectionReach);
-}
-
-void JobParser::tokenLine(const PostScriptToken& token) {
-  PostScriptFacts& facts = report_.postScript;
-  if (token.endsPage) facts.pages++;
-  if (token.line == "showpage") facts.showpages++;
-  for (const FoundInjection& found : InjectionsBefore(token, tail_)) {
-    const std::string_view from = std::string_view(tail_).substr(found.at);
-    addInjection(found, token.endsPage ? facts.pages : 0, line_ - CountLineEnds(from),
-                 offset_ - from.size());
-  }
-}
-
-// Compares what follows a token line with what the filter writes there.
-void JobParser::matchExpected(std::string_view bytes) {
-  const std::string_view rest = expected_.text.substr(expectedMatched_);
-  const std::size_t length = std::min(rest.size(), bytes.size());
-  if (bytes.substr(0, length) != rest.substr(0, length)) {
-    expected_ = {};
-    return;
-  }
-  expectedMatched_ += length;
-  if (expectedMatched_ < expected_.text.size()) return;
-  const bool onPage = expected_.kind == InjectionKind::kWatermarkPageSetup;
-  addInjection({expected_.kind, 0, {}}, onPage ? report_.postScript.pages + 1 : 0, expectedLine_,
-               expectedOffset_);
-  expected_ = {};
-}
-
-void JobParser::addInjection(const FoundInjection& found, std::uint64_t page, std::uint64_t line,
-                             std::uint64_t offset) {
-  if (!found.whole) {
-    problem(line, "the watermark's text is cut off, which breaks the PostScript", found.detail);
-  }
-  auto& all = report_.postScript.injections;
-  auto same = std::find_if(all.begin(), all.end(),
-                           [&](const Injection& known) { return known.kind == found.kind; });
-  if (same == all.end()) {
-    same = all.insert(all.end(), {found.kind, std::string(found.detail), 0, line, offset, {}});
-  }
-  same->count++;
-  if (page == 0) return;
-  auto& pages = same->pages;
-  if (!pages.empty() && page <= pages.back().second + 1) {
-    pages.back().second = page;
-  } else if (pages.size() < kMostPageRanges) {
-    pages.emplace_back(page, page);
-  }
 }
 
 void JobParser::trailer(std::string_view& bytes) {
@@ -326,9 +261,10 @@ void JobParser::trailer(std::string_view& bytes) {
                    : "an exit sequence inside the PostScript: the printer ends the job "
                      "here",
           held_);
+  // What had come of it before these bytes is the beginning of a line, or of the document's rest.
   state_ = inHeader ? State::kHeader : State::kPostScript;
-  held_.clear();
-  heldBytes_ = 0;
+  held_ = inHeader ? matched : "";
+  heldBytes_ = held_.size();
   if (!inHeader) passOn(matched);
 }
 
@@ -355,6 +291,7 @@ JobReport JobParser::finish() {
       break;
   }
   finishPostScript();
+  report_.postScript = std::move(document_.facts());
   if (problemsLeftOut_ > 0) {
     report_.problems.push_back({0, "and " + std::to_string(problemsLeftOut_) + " more", {}});
   }
@@ -383,7 +320,7 @@ void JobParser::finishTrailer() {
 }
 
 void JobParser::finishPostScript() {
-  PostScriptFacts& facts = report_.postScript;
+  PostScriptFacts& facts = document_.facts();
   if (!facts.present) return;
   facts.closed = lastByte_ == kEndOfTransmission;
   if (report_.spooledCopy && !entered_) {
@@ -410,28 +347,4 @@ void JobParser::finishPostScript() {
                                  : "No page ends in this document.",
                              {}});
   }
-}
-
-JobReport ReadJob(int fd, const PostScriptSink& sink) {
-  const off_t start = lseek(fd, 0, SEEK_CUR);
-  JobParser parser(sink);
-  PostScriptLines lines(fd);
-  off_t passed = 0;
-  for (PostScriptLines::Piece piece; lines.next(piece);) {
-    passed += static_cast<off_t>(piece.bytes.size());
-    parser.feed(piece.bytes, piece.token);
-  }
-  // The reader leaves out what stands behind the last line end.
-  char rest[kLinePieceSize];
-  const ssize_t count = start < 0 ? 0 : pread(fd, rest, sizeof rest, start + passed);
-  if (count > 0) parser.feed({rest, static_cast<std::size_t>(count)}, nullptr);
-  return parser.finish();
-}
-
-JobReport ReadJob(std::string_view bytes) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
-  if (file == nullptr) return JobParser().finish();
-  std::fwrite(bytes.data(), 1, bytes.size(), file.get());
-  std::rewind(file.get());
-  return ReadJob(fileno(file.get()));
 }

@@ -10,17 +10,11 @@
 
 #include "FilterFrame/Source/PostScriptLines.h"
 #include "tools/ByteSearch.h"
-#include "tools/InjectedPostScript.h"
+#include "tools/DocumentScan.h"
 #include "tools/JobReport.h"
 
 // Receives the document's bytes in their order.
 using PostScriptSink = std::function<void(std::string_view bytes)>;
-
-// Reads the job that `fd` stands at the beginning of.
-JobReport ReadJob(int fd, const PostScriptSink& sink = {});
-
-// Reads a job that lies in memory.
-JobReport ReadJob(std::string_view bytes);
 
 class JobParser {
  public:
@@ -48,10 +42,6 @@ class JobParser {
   void knownLine(const DialectRow& row, std::string_view line, std::string_view value);
   void checkLineEnd(const DialectRow& row, std::string_view line, bool crLf);
   void enterPostScript();
-  void tokenLine(const PostScriptToken& token);
-  void matchExpected(std::string_view bytes);
-  void addInjection(const FoundInjection& found, std::uint64_t page, std::uint64_t line,
-                    std::uint64_t offset);
   void passOn(std::string_view bytes);
   void finishTrailer();
   void finishPostScript();
@@ -77,11 +67,7 @@ class JobParser {
   bool entered_ = false;  // the switch into PostScript has come
   bool exitAfterHeader_ = false;
 
-  std::string tail_;  // of the document, back to the token line before
-  ExpectedInjection expected_ = {};
-  std::size_t expectedMatched_ = 0;
-  std::uint64_t expectedLine_ = 0;
-  std::uint64_t expectedOffset_ = 0;
-  char lastByte_ = '\0';
+  DocumentScan document_;
+  char lastByte_ = '\0';  // of the document
   std::uint64_t problemsLeftOut_ = 0;
 };

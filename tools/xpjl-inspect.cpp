@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "tools/DeviceBlob.h"
-#include "tools/JobParser.h"
+#include "tools/JobReader.h"
 #include "tools/PageImages.h"
 #include "tools/Reports.h"
 #include "tools/SealedPasswords.h"
@@ -144,12 +144,15 @@ void Declare(CLI::App& app, Wishes& wishes) {
   app.add_flag("--diff", wishes.diff, "Say what the second job asks differently from the first");
   app.add_flag("--json", wishes.json, "Write JSON, for programs");
   auto* images = app.add_option("--png", wishes.pngFolder,
-                                "Render the pages into this folder with Ghostscript");
+                                "Render the pages into this folder with Ghostscript")
+                     ->option_text("DIR");
   app.add_option("--dpi", wishes.dotsPerInch, "Resolution of the pages, 10 to 1200; else 100")
       ->check(CLI::Range(10, 1200))
+      ->option_text("N")
       ->needs(images);
   app.add_option("--device-key", wishes.deviceKey,
-                 "Open sealed passwords with the device's private key, a PEM file");
+                 "Open sealed passwords with the device's private key, a PEM file")
+      ->option_text("FILE");
   app.add_flag("--show-passwords", wishes.showPasswords,
                "Show opened passwords, and sealed ones as they stand in the job");
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <regex>
 #include <string>
+#include <utility>
 
 #include "FilterFrame/Source/JobState.h"
 #include "modules/features/Features.h"
@@ -16,22 +17,8 @@ namespace {
 
 constexpr char kDocument[] =
     "%%BeginProlog\n%%EndProlog\n%%EndSetup\n%%EndPageSetup\nep\n%%EndPageSetup\nendp\n";
-constexpr char kText[] =
-    "WMARKNameTicket=x WMARKTypeTicket=0 WMARKTextTicket=(DRAFT) WMARKFontTicket=Helvetica "
-    "WMARKFontSizeTicket=60 WMARKColorRTicket=0 WMARKColorGTicket=0 WMARKColorBTicket=1 "
-    "WMARKDensityTicket=50 WMARKOrientationTicket=1 WMARKPaperWidthTicket=612 "
-    "WMARKPaperHeightTicket=792 WMARKAngleTicket=0 WMARKWidthTicket=200 WMARKHeightTicket=50 "
-    "WMARKhOffsetTicket=0 WMARKvOffsetTicket=0 WMARKOnlyFirstTicket=0 ";
-
-// The PostScript that a job with these tickets (the last of a kind counts) sends for the document.
 std::string Document(const std::string& settings) {
-  FilterJob job;
-  job.arguments[4] = Tickets(settings);
-  job.input = kDocument;
-  const std::string output = RunFilter(job).output;
-  const std::string enter = "ENTER LANGUAGE=POSTSCRIPT\n";
-  const std::size_t from = output.find(enter) + enter.size();
-  return output.substr(from, output.find('\4', from) - from);
+  return PrintedDocument(settings, kDocument);
 }
 
 std::string Stamp(const std::string& save) {
@@ -44,15 +31,15 @@ TEST(Watermark, StandsAtEveryBoundaryOrAtTheFirstOfItsKind) {
   const std::string prolog =
       "%%BeginProlog\nuserdict/fffInfo 2 dict dup begin\n/fffpgsave 0 def\n"
       "/fffbp{/fffpgsave save restore} bind def\n%%EndProlog\n%%EndSetup\n";
-  EXPECT_EQ(Document(kText), prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") +
-                                 "ep\n%%EndPageSetup\nfffbp\n" + Stamp("pm") + "endp\n");
+  EXPECT_EQ(Document(kWatermark), prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") +
+                                      "ep\n%%EndPageSetup\nfffbp\n" + Stamp("pm") + "endp\n");
   for (const char* first : {"WMARKOnlyFirstTicket=1", "WMARKOnlyFirstTicket=-1"}) {
-    EXPECT_EQ(Document(kText + std::string(first)), prolog + "%%EndPageSetup\nfffbp\n" +
-                                                        Stamp("pgsave") + "ep\n%%EndPageSetup\n" +
-                                                        Stamp("pm") + "endp\n");
+    EXPECT_EQ(Document(kWatermark + std::string(first)),
+              prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") + "ep\n%%EndPageSetup\n" +
+                  Stamp("pm") + "endp\n");
   }
   for (const char* off : {"WMARKNameTicket=", "WMARKTypeTicket=1", "WMARKTypeTicket=-1"}) {
-    EXPECT_EQ(Document(kText + std::string(off)), kDocument) << off;
+    EXPECT_EQ(Document(kWatermark + std::string(off)), kDocument) << off;
   }
   EXPECT_EQ(Document("WMARKNameTicket=x"), kDocument);  // an absent type is no text watermark
 }
@@ -73,8 +60,8 @@ TEST(Watermark, TextsAndNumbersAreData) {
       {"WMARKAngleTicket=400", "\n400 rotate\n"},
   };
   for (const auto& c : cases) {
-    EXPECT_NE(Document(kText + c.ticket).find(c.line), std::string::npos)
-        << c.ticket << Document(kText + c.ticket);
+    EXPECT_NE(Document(kWatermark + c.ticket).find(c.line), std::string::npos)
+        << c.ticket << Document(kWatermark + c.ticket);
   }
 }
 
@@ -109,13 +96,11 @@ TEST(Watermark, IsCentredOnThePage) {
 
 // The attributes and settings that the features write for these options.
 std::string FeatureLines(const std::string& settings) {
-  const UsedPPD ppd("");
-  Arguments args(Tickets(settings));
-  testing::internal::CaptureStdout();
-  FeaturesGetTicketFromPDE(args);
-  FeaturesInializeDescriptionTableFromFilter();
-  FeaturesOutputXPJLCommandFromFilter(args);
-  std::string lines = testing::internal::GetCapturedStdout();
+  std::string lines = Written("", settings, [](char* args[]) {
+    FeaturesGetTicketFromPDE(args);
+    FeaturesInializeDescriptionTableFromFilter();
+    FeaturesOutputXPJLCommandFromFilter(args);
+  });
   lines = std::regex_replace(lines, std::regex("@PJL SET JOBATTR=\"@([^\"]*)\"\n"), "$1 ");
   return std::regex_replace(lines, std::regex("@PJL SET ([^\n]*)\n"), "$1 ");
 }
@@ -153,22 +138,15 @@ TEST(Features, SetTheFinisher) {
 }
 
 TEST(Features, TurnCoilPunchedSheetsWithA5OrTabStockFaceUp) {
-  for (const bool bodyTab : {false, true}) {
-    for (const bool specialTab : {false, true}) {
-      for (const bool bodyA5 : {false, true}) {
-        for (const bool specialA5 : {false, true}) {
-          const std::string options =
-              std::string(
-                  "EjectOptionsListTicket=1 CoilPunchFaceTicket=true "
-                  "ZLVNumPunchHoles=CoilPunch media=") +
-              (bodyA5 ? "A5" : "A4") + " whetherMediaSizeA5Ticket=" + (specialA5 ? "1" : "0") +
-              " featuresMediaTypeTabTicket=" + (bodyTab ? "true" : "false") +
-              " whetherMediaTypeTabTicket=" + (specialTab ? "1" : "0");
-          const bool faceUp = bodyTab || specialTab || bodyA5 || specialA5;
-          EXPECT_EQ(FeatureLines(options), faceUp ? "FACE=UP " : "FACE=OFF ") << options;
-        }
-      }
-    }
+  const std::string coil =
+      "EjectOptionsListTicket=1 CoilPunchFaceTicket=true ZLVNumPunchHoles=CoilPunch ";
+  for (unsigned stock = 0; stock < 16; stock++) {  // a bit each: A5 or tab, body or special pages
+    const std::string options =
+        coil + (stock & 1 ? "media=A5 " : "media=A4 ") +
+        (stock & 2 ? "whetherMediaSizeA5Ticket=1 " : "whetherMediaSizeA5Ticket=0 ") +
+        (stock & 4 ? "featuresMediaTypeTabTicket=true " : "featuresMediaTypeTabTicket=false ") +
+        (stock & 8 ? "whetherMediaTypeTabTicket=1" : "whetherMediaTypeTabTicket=0");
+    EXPECT_EQ(FeatureLines(options), stock == 0 ? "FACE=OFF " : "FACE=UP ") << options;
   }
 }
 
@@ -199,21 +177,15 @@ TEST(Features, InjectSnippetsWhereThePagesPerSheetWantThem) {
       {"", "1", "1", "", "", ""},
   };
   for (const auto& c : cases) {
-    const UsedPPD ppd("");
-    Arguments args(Tickets(c.options));
-    FeaturesGetTicketFromPDE(args);
-    CopyBounded(StdLayoutRowInfo, c.rows);
-    CopyBounded(StdLayoutColumnInfo, c.columns);
-    std::string said[3];
-    int hook = 0;
-    for (const int code : {14, 16, 21}) {
-      testing::internal::CaptureStdout();
-      FeaturesOutputPSCommandFromFilter(code, stdout);
-      said[hook++] = testing::internal::GetCapturedStdout();
+    for (const auto& [hook, snippets] : {std::pair(14, c.at14), {16, c.at16}, {21, c.at21}}) {
+      const std::string written = Written("", c.options, [&](char* args[]) {
+        FeaturesGetTicketFromPDE(args);
+        CopyBounded(StdLayoutRowInfo, c.rows);
+        CopyBounded(StdLayoutColumnInfo, c.columns);
+        FeaturesOutputPSCommandFromFilter(hook, stdout);
+      });
+      EXPECT_EQ(written, snippets) << hook << c.options;
     }
-    EXPECT_EQ(said[0], c.at14) << c.options;
-    EXPECT_EQ(said[1], c.at16) << c.options;
-    EXPECT_EQ(said[2], c.at21) << c.options;
   }
 }
 

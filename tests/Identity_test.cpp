@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <string>
 
 #include "FilterFrame/Source/JobState.h"
@@ -13,12 +14,6 @@
 
 namespace {
 
-std::string Repeat(const std::string& text, std::size_t count) {
-  std::string repeated;
-  while (count-- > 0) repeated += text;
-  return repeated;
-}
-
 // <name> stands for the stored form of a password.
 std::string StorePasswords(std::string settings) {
   for (std::size_t at; (at = settings.find('<')) != std::string::npos;) {
@@ -28,39 +23,30 @@ std::string StorePasswords(std::string settings) {
   return settings;
 }
 
-// Line breaks in expected lines: "$" is LF, "^" is CR LF.
+// Line ends in expected lines: "$" is LF, "^" is CR LF.
 std::string WithLineEnds(const std::string& lines) {
-  std::string text;
-  for (char c : lines) text += c == '$' ? "\n" : c == '^' ? "\r\n" : std::string(1, c);
-  return text;
+  const std::string text = std::regex_replace(lines, std::regex("\\^"), "\r\n");
+  return std::regex_replace(text, std::regex("\\$"), "\n");
 }
 
-// "@JOAU=x" for a whole attribute line up to its line end.
+// The attribute lines for "@JOAU=x" and the like, each up to its line end.
 std::string Attributes(const std::string& lines) {
-  std::string text;
-  bool atLine = true;
-  bool attribute = false;
-  for (char c : lines) {
-    if (atLine && c == '@') text += "@PJL SET JOBATTR=\"", attribute = true;
-    atLine = c == '$' || c == '^';
-    if (atLine && attribute) text += '"', attribute = false;
-    text += c;
-  }
-  return WithLineEnds(text);
+  const std::regex attribute("@([^$^]*)");
+  return WithLineEnds(std::regex_replace(lines, attribute, "@PJL SET JOBATTR=\"@$1\""));
+}
+
+void WriteAccounting(char* args[]) {
+  JBAGetTicketFromPDE(args);
+  JBAInializeDescriptionTableFromFilter();
+  JBAOutputXPJLCommandFromFilter(args);
 }
 
 std::string AccountingLines(const std::string& settings, const char* ppdLines = kLatin1PPD) {
-  const UsedPPD ppd(ppdLines);
-  Arguments args(Tickets(StorePasswords(settings)));
   CopyBounded(HostNameStr, "atlas");
   CopyBounded(StdUserName, "sam");
   CopyBounded(StdJBAUserName, "acc");
   CopyBounded(StdDocumentName, "letter");
-  testing::internal::CaptureStdout();
-  JBAGetTicketFromPDE(args);
-  JBAInializeDescriptionTableFromFilter();
-  JBAOutputXPJLCommandFromFilter(args);
-  return WithOpenedPasswords(testing::internal::GetCapturedStdout());
+  return WithOpenedPasswords(Written(ppdLines, StorePasswords(settings), WriteAccounting));
 }
 
 const std::string kAlways = "@CNAM=atlas$@LUNA=sam$@NLPP=1$";
@@ -72,13 +58,11 @@ struct AccountingCase {
   std::string settings;
   std::string identity;
   std::string behind = "";
-  std::string administrator = "";  // in front of everything
 };
 
 void Check(std::initializer_list<AccountingCase> cases) {
   for (const AccountingCase& c : cases) {
-    EXPECT_EQ(AccountingLines(c.settings),
-              Attributes(c.administrator + kAlways + c.identity + kTitle + c.behind))
+    EXPECT_EQ(AccountingLines(c.settings), Attributes(kAlways + c.identity + kTitle + c.behind))
         << c.what;
   }
 }
@@ -94,16 +78,10 @@ TEST(Accounting, EveryJobSaysWhereItComesFrom) {
 }
 
 TEST(Accounting, UnknownNamesHavePlaceholders) {
-  const UsedPPD ppd(kLatin1PPD);
-  Arguments args("");
   for (char* name : {HostNameStr, StdUserName, StdJBAUserName, StdDocumentName}) *name = '\0';
   CopyBounded(IPAddressStr, "I0A010203");
-  testing::internal::CaptureStdout();
-  JBAGetTicketFromPDE(args);
-  JBAInializeDescriptionTableFromFilter();
-  JBAOutputXPJLCommandFromFilter(args);
   // The login user's row without a login user is cut in front of its value.
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+  EXPECT_EQ(Written(kLatin1PPD, "", WriteAccounting),
             Attributes("@CNAM=UnknownHost$@LUNA=UnknownUser$@HOAD=I0A010203$@NLPP=1$") +
                 "@PJL SET JOBATTR=\"");
   *IPAddressStr = '\0';
@@ -189,45 +167,48 @@ TEST(Accounting, AdministratorMode) {
   const std::string entered = common + "JBAAdminUserIDListCtrlTicket=2 ";
   const std::string input = admin + "JBAAdminUserInputRadioBtnTicket=1 ";
   const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
-  Check({
-      {"login name", login + "JBAInfoListTicketKey=0", "", "", "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
-      {"login name, user account", login + "JBAInfoListTicketKey=1", "", "",
-       "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
-      {"login name, billing", login + "JBAInfoListTicketKey=2", "", "",
-       "@JOAU=UnknownUser$@JOEP=^@DAID=^" + kTitle},
-      {"login name, all", login + "JBAInfoListTicketKey=3", "", "",
-       "@JOAU=acc^@JOEP=^@DAID=^" + kTitle},
+  const AccountingCase cases[] = {
+      {"login name", login + "JBAInfoListTicketKey=0", "@JOAU=acc^@JOEP=^@DAID=^"},
+      {"login name, user account", login + "JBAInfoListTicketKey=1", "@JOAU=acc^@JOEP=^@DAID=^"},
+      {"login name, billing", login + "JBAInfoListTicketKey=2", "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
+      {"login name, all", login + "JBAInfoListTicketKey=3", "@JOAU=acc^@JOEP=^@DAID=^"},
       {"login name, placeholder form", login + "JBAInfoListTicketKey=3 JBAInfoSetListTicketKey=8",
-       "", "", "@JOAU=UnknownUser$@JOEP=^@DAID=^" + kTitle},
+       "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
       {"login name, everything",
        login + "JBAInfoListTicketKey=0 JBAAdminUserPasswordTextEditTicket=<apw> "
                "JBAAdminDomainNameTextEditTicket=hq JBAAdminAccountIDTextEditTicket=c1 "
                "JBAAdminStorageIDTextEditTicket=u2 JBAAdminStoragePasswordTextEditTicket=<upw>",
-       "", "", "@JOAU=acc^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^" + kTitle + "@ACEP=<upw>^"},
+       "@JOAU=acc^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^", "@ACEP=<upw>^"},
       {"entered name",
-       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2", "", "",
-       "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^" + kTitle + "@ACEP=^"},
+       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2",
+       "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^", "@ACEP=^"},
       {"entered name with password",
-       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminUserPasswordTextEditTicket=<apw>", "",
-       "", "@JOAU=lee^@JOEP=<apw>^@DAID=^" + kTitle},
-      {"job input by user", input + kInput + "JBAInputAuthRadioBtnTicketKey=1", "", "",
-       "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^" + kTitle},
+       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminUserPasswordTextEditTicket=<apw>",
+       "@JOAU=lee^@JOEP=<apw>^@DAID=^"},
+      {"job input by user", input + kInput + "JBAInputAuthRadioBtnTicketKey=1",
+       "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^"},
       {"job input by user, placeholder form",
-       input + kInput + "JBAInputAuthRadioBtnTicketKey=1 JBAInfoSetListTicketKey=8", "", "",
-       "@JOAU=UnknownUser^@JOEP=^@JOAD=lab^@DAID=^" + kTitle},
-      {"job input by user, nothing typed", input + "JBAInputAuthRadioBtnTicketKey=1", "", "",
-       "@JOAU=UnknownUser^@JOEP=^@DAID=^" + kTitle},
+       input + kInput + "JBAInputAuthRadioBtnTicketKey=1 JBAInfoSetListTicketKey=8",
+       "@JOAU=UnknownUser^@JOEP=^@JOAD=lab^@DAID=^"},
+      {"job input by user, nothing typed", input + "JBAInputAuthRadioBtnTicketKey=1",
+       "@JOAU=UnknownUser^@JOEP=^@DAID=^"},
       {"job input by user, no password",
-       input + "JBAInputAuthRadioBtnTicketKey=1 JBAInputUserIDTextEditTicket=jo", "", "",
-       "@JOAU=jo^@JOEP=^@DAID=^" + kTitle},
+       input + "JBAInputAuthRadioBtnTicketKey=1 JBAInputUserIDTextEditTicket=jo",
+       "@JOAU=jo^@JOEP=^@DAID=^"},
       {"job input by storage",
-       input + kInput + "JBAInputStrgRadioBtnTicketKey=1 JBAInfoListTicketKey=1", "", "",
-       "@DAID=^@ACID=t5^" + kTitle + unknown + "@ACEP=<tpw>^"},
+       input + kInput + "JBAInputStrgRadioBtnTicketKey=1 JBAInfoListTicketKey=1",
+       "@DAID=^@ACID=t5^", unknown + "@ACEP=<tpw>^"},
       {"job input by storage, no password",
        input + "JBAInputStrgRadioBtnTicketKey=1 JBAInfoListTicketKey=0 "
                "JBAInputStorageIDTextEditTicket=t5",
-       "", "", "@ACID=t5^" + kTitle + unknown + "@ACEP=^"},
-  });
+       "@ACID=t5^", unknown + "@ACEP=^"},
+  };
+  // The administrator's lines, with a title of their own, precede those that every job has.
+  for (const AccountingCase& c : cases) {
+    EXPECT_EQ(AccountingLines(c.settings),
+              Attributes(c.identity + kTitle + c.behind + kAlways + kTitle))
+        << c.what;
+  }
 }
 
 TEST(Accounting, TextsAreCutToWhatTheDeviceTakes) {
@@ -243,43 +224,38 @@ TEST(Accounting, TextsAreCutToWhatTheDeviceTakes) {
 }
 
 std::string PrintTypeLines(const std::string& settings, const std::string& ppdLines = kLatin1PPD) {
-  const UsedPPD ppd(ppdLines);
-  Arguments args(Tickets(StorePasswords(settings)));
   CopyBounded(PTStdDocumentName, "letter");
-  testing::internal::CaptureStdout();
-  PrintTypeGetTicketFromPDE(args);
-  PrintTypeInializeDescriptionTableFromFilter();
-  PrintTypeOutputXPJLCommandFromFilter(args);
-  return WithOpenedPasswords(testing::internal::GetCapturedStdout());
+  return WithOpenedPasswords(Written(ppdLines, StorePasswords(settings), [](char* args[]) {
+    PrintTypeGetTicketFromPDE(args);
+    PrintTypeInializeDescriptionTableFromFilter();
+    PrintTypeOutputXPJLCommandFromFilter(args);
+  }));
 }
 
 TEST(PrintType, HoldsAndNamesTheJob) {
-  const std::string name = "DocumentNameTypeTicketKey=1 ";
+  const std::string name = "DocumentNameTypeTicketKey=1 ", pw = "PrintTypePasswordTicketKey=<pw> ";
   const std::string entered = "DocumentNameTypeTicketKey=2 DocumentNameTicketKey=offer ";
-  const std::string user = "PrintTypeUserNameTicketKey=kim ",
-                    pw = "PrintTypePasswordTicketKey=<pw> ";
-  const std::string jobName = "@PJL SET JOBNAME=\"letter\"^";
+  const std::string user = "PrintTypeUserNameTicketKey=kim ";
+  const std::string jobName = "@PJL SET JOBNAME=\"letter\"^", same = "(the same)";
   const std::string userLine = "@PJL SET USERNAME=\"kim\"^";
   const struct {
     const char* what;
     std::string settings, lines;
     std::string partLines;  // on devices without mailboxes and delayed print
   } cases[] = {
-      {"normal", "PrintTypeTicketKey=1 " + user + entered, "", ""},
+      {"normal", "PrintTypeTicketKey=1 " + user + entered, "", same},
       {"secure", "PrintTypeTicketKey=2 " + user + pw + name,
        "@PJL SET HOLD=STORE$@PJL SET HOLDTYPE=PRIVATE$" + userLine +
            "@PJL SET HOLDENCRYPTKEY=\"<pw>\"^" + jobName,
-       "@PJL SET HOLD=STORE$@PJL SET HOLDTYPE=PRIVATE$" + userLine +
-           "@PJL SET HOLDENCRYPTKEY=\"<pw>\"^" + jobName},
+       same},
       {"secure without password", "PrintTypeTicketKey=2 " + user, "@PJL SET HOLD=STORE$" + userLine,
-       "@PJL SET HOLD=STORE$" + userLine},
-      {"secure without user", "PrintTypeTicketKey=2 " + pw + name, jobName, jobName},
+       same},
+      {"secure without user", "PrintTypeTicketKey=2 " + pw + name, jobName, same},
       {"sample", "PrintTypeTicketKey=3 " + user + entered,
-       "@PJL SET HOLD=PROOF$" + userLine + "@PJL SET JOBNAME=\"offer\"^",
-       "@PJL SET HOLD=PROOF$" + userLine + "@PJL SET JOBNAME=\"offer\"^"},
+       "@PJL SET HOLD=PROOF$" + userLine + "@PJL SET JOBNAME=\"offer\"^", same},
       {"delayed", "PrintTypeTicketKey=4 DelayPrintTicketKey=18:30 " + user + name,
        jobName + "@PJL SET JOBATTR=\"@PRTM=18:30\"^", jobName},
-      {"delayed without a time", "PrintTypeTicketKey=4", "", ""},
+      {"delayed without a time", "PrintTypeTicketKey=4", "", same},
       {"mailbox",
        "PrintTypeTicketKey=5 PrintTypeMBNTicketKey=12345 " + user + name +
            "PrintTypeMBNPasswordTicketKey=<mpw>",
@@ -289,16 +265,17 @@ TEST(PrintType, HoldsAndNamesTheJob) {
        jobName},
       {"mailbox without number and password", "PrintTypeTicketKey=5",
        "@PJL SET HOLD=BOXSTORE$@PJL SET BOXNUMBER=^", ""},
-      {"absent", user + entered, userLine + "@PJL SET JOBNAME=\"offer\"^",
-       userLine + "@PJL SET JOBNAME=\"offer\"^"},
-      {"absent, no name", "DocumentNameTypeTicketKey=2", "", ""},
+      {"absent", user + entered, userLine + "@PJL SET JOBNAME=\"offer\"^", same},
+      {"absent, no name", "DocumentNameTypeTicketKey=2", "", same},
   };
   const std::string part = "*ZLVXPrintTypeSettings: \"Default04\"\n";
   for (const auto& c : cases) {
-    EXPECT_EQ(PrintTypeLines(c.settings), WithLineEnds(c.lines)) << c.what;
-    EXPECT_EQ(PrintTypeLines(c.settings, part + kUTF8PPD), WithLineEnds(c.partLines)) << c.what;
-    EXPECT_EQ(PrintTypeLines(c.settings, part), WithLineEnds(c.lines)) << c.what;
-    EXPECT_EQ(PrintTypeLines(c.settings, kUTF8PPD), WithLineEnds(c.lines)) << c.what;
+    for (const std::string& ppd : {std::string(kLatin1PPD), std::string(kUTF8PPD), part}) {
+      EXPECT_EQ(PrintTypeLines(c.settings, ppd), WithLineEnds(c.lines)) << c.what << ppd;
+    }
+    EXPECT_EQ(PrintTypeLines(c.settings, part + kUTF8PPD),
+              WithLineEnds(c.partLines == same ? c.lines : c.partLines))
+        << c.what;
   }
 }
 

@@ -15,12 +15,6 @@
 
 namespace {
 
-std::string Repeat(const std::string& text, std::size_t count) {
-  std::string repeated;
-  while (count-- > 0) repeated += text;
-  return repeated;
-}
-
 TEST(Names, UserNamesAreCutOrReplaced) {
   const std::string e = "\u00E9", kanji = "\u6F22", unknown = "UnknownUser";
   const struct {
@@ -126,24 +120,12 @@ TEST(HostIdentity, EncodesAddresses) {
       {"10.0.0.0007", ""},
       {"10.0.0.256", ""},
       {"2001:db8:85a3::8a2e:370:7334", "620010db885a3000000008a2e03707334"},
-      {"fe80::1",
-       "6fe80"
-       "0000000000000000000000000000"
-       "0001"},
-      {"fe80::1%en0",
-       "6fe80"
-       "0000000000000000000000000000"
-       "0001"},
-      {"fe80:1:2::3",
-       "6fe8000010002"
-       "0000000000000000"
-       "0003"},
+      {"fe80::1", "6fe8000000000000000000000000000000001"},
+      {"fe80::1%en0", "6fe8000000000000000000000000000000001"},
+      {"fe80:1:2::3", "6fe800001000200000000000000000003"},
       {"1:2:3:4:5:6:7:8", "6"},
       {"1:2:3:4:5:6:7:0", "6"},  // zeros at the very end are not looked at
-      {"1:2:3:4:5:6::",
-       "6000100020003000400050006"
-       "0000"
-       "0000"},
+      {"1:2:3:4:5:6::", "600010002000300040005000600000000"},
       {"host", ""},
       {"", ""},
   };

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/FilterProcess.h"
+#include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
 
 namespace {
@@ -23,11 +23,6 @@ struct Page {
   int width = 0, height = 0;
   std::string pixels;  // three bytes each, top row first
 };
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 Page ReadPage(const std::string& path) {
   Page page;
@@ -56,15 +51,8 @@ std::string Ghostscript(const std::string& options, const std::string& path) {
   return status == 0 ? said : said + " (status " + std::to_string(WEXITSTATUS(status)) + ")";
 }
 
-// The PostScript that a printer gets of the sample document.
 std::string Printed(const std::string& settings) {
-  FilterJob job;
-  job.arguments[4] = Tickets(settings);
-  job.input = ReadFile(SAMPLES_DIR "/handbook.ps");
-  const std::string output = RunFilter(job).output;
-  const std::string enter = "ENTER LANGUAGE=POSTSCRIPT\n";
-  const std::size_t from = output.find(enter) + enter.size();
-  return output.substr(from, output.rfind('\4') - from);
+  return PrintedDocument(settings, FileContent(SAMPLES_DIR "/handbook.ps"));
 }
 
 std::vector<Page> Render(const std::string& settings) {
@@ -111,11 +99,10 @@ Ink Difference(const Page& plain, const Page& marked) {
 
 // "DRAFT" in Helvetica at 60 points is 200 points wide and 43 high: the box is that of the ink.
 constexpr double kTextWidth = 200, kTextHeight = 43;
-constexpr char kMark[] =
-    "WMARKNameTicket=x WMARKTypeTicket=0 WMARKTextTicket=(DRAFT) WMARKFontTicket=Helvetica "
-    "WMARKFontSizeTicket=60 WMARKColorRTicket=0 WMARKColorGTicket=0 WMARKColorBTicket=1 "
-    "WMARKDensityTicket=50 WMARKPaperWidthTicket=595 WMARKPaperHeightTicket=842 "
-    "WMARKWidthTicket=200 WMARKHeightTicket=43 WMARKhOffsetTicket=20 WMARKvOffsetTicket=-10 ";
+const std::string kMark =
+    kWatermark + std::string(
+                     "WMARKPaperWidthTicket=595 WMARKPaperHeightTicket=842 WMARKHeightTicket=43 "
+                     "WMARKhOffsetTicket=20 WMARKvOffsetTicket=-10 ");
 
 TEST(Rendering, WatermarksAreInkedWhereTheGeometrySays) {
   if (!HasGhostscript()) GTEST_SKIP() << "Ghostscript is not installed";
@@ -123,8 +110,7 @@ TEST(Rendering, WatermarksAreInkedWhereTheGeometrySays) {
   for (const int angle : {0, 45, 120, 200, 300}) {
     for (const int orientation : {1, 2}) {
       for (const bool onlyFirst : {false, true}) {
-        const std::string settings = kMark + std::string("WMARKOnlyFirstTicket=") +
-                                     (onlyFirst ? "1" : "0") +
+        const std::string settings = kMark + "WMARKOnlyFirstTicket=" + (onlyFirst ? "1" : "0") +
                                      " WMARKAngleTicket=" + std::to_string(angle) +
                                      " WMARKOrientationTicket=" + std::to_string(orientation);
         SCOPED_TRACE(settings);

@@ -101,13 +101,16 @@ void JobParser::header(std::string_view& bytes) {
   if (held_.empty()) {
     heldBytes_ = 0;
     heldLine_ = line_;
-    if (bytes.starts_with(kExitSequence)) {
-      take(bytes, kExitSequence.size());
-      exitAfterHeader_ = true;
-      state_ = State::kTrailer;
-      return;
-    }
     if (bytes.starts_with("%!")) return enterPostScript();
+  }
+  const std::string_view exit = kExitSequence.substr(std::min(held_.size(), kExitSequence.size()));
+  if (kExitSequence.starts_with(held_) && bytes.starts_with(exit)) {
+    take(bytes, exit.size());
+    held_.clear();
+    heldBytes_ = 0;
+    exitAfterHeader_ = true;
+    state_ = State::kTrailer;
+    return;
   }
   const std::size_t end = bytes.find('\n');
   const std::string_view taken = bytes.substr(0, end == bytes.npos ? end : end + 1);

@@ -26,6 +26,31 @@ inline std::string Tickets(const std::string& settings) {
   return options;
 }
 
+// Tickets of a text watermark; of tickets given twice the last one counts.
+constexpr char kWatermark[] =
+    "WMARKNameTicket=x WMARKTypeTicket=0 WMARKTextTicket=(DRAFT) WMARKFontTicket=Helvetica "
+    "WMARKFontSizeTicket=60 WMARKColorRTicket=0 WMARKColorGTicket=0 WMARKColorBTicket=1 "
+    "WMARKDensityTicket=50 WMARKOrientationTicket=1 WMARKPaperWidthTicket=612 "
+    "WMARKPaperHeightTicket=792 WMARKAngleTicket=0 WMARKWidthTicket=200 WMARKHeightTicket=50 "
+    "WMARKhOffsetTicket=0 WMARKvOffsetTicket=0 WMARKOnlyFirstTicket=0 ";
+
+// What a printer gets of a document that is printed with these tickets.
+inline std::string PrintedDocument(const std::string& settings, const std::string& document) {
+  FilterJob job;
+  job.arguments[4] = Tickets(settings);
+  job.input = document;
+  const std::string output = RunFilter(job).output;
+  const std::string enter = "ENTER LANGUAGE=POSTSCRIPT\n";
+  const std::size_t from = output.find(enter) + enter.size();
+  return output.substr(from, output.rfind('\4') - from);
+}
+
+inline std::string Repeat(const std::string& text, std::size_t count) {
+  std::string repeated;
+  while (count-- > 0) repeated += text;
+  return repeated;
+}
+
 // A filter's argument vector.
 class Arguments {
  public:
@@ -55,3 +80,13 @@ class UsedPPD {
  private:
   ScratchFolder folder_;
 };
+
+// What `write`, given the argument vector, writes for these tickets under a PPD with these lines.
+template <typename Write>
+std::string Written(const std::string& ppdLines, const std::string& settings, Write write) {
+  const UsedPPD ppd(ppdLines);
+  Arguments args(Tickets(settings));
+  testing::internal::CaptureStdout();
+  write(args);
+  return testing::internal::GetCapturedStdout();
+}

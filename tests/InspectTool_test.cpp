@@ -1,0 +1,149 @@
+// xpjl-inspect as a command: what it prints, renders and refuses, and what it never shows.
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/support/Password.h"
+#include "tests/support/SampleJobs.h"
+#include "tests/support/ToolProcess.h"
+
+namespace {
+
+constexpr char kKeyFile[] = TEST_DATA_DIR "/demo-device-2048-private.pem";
+
+ToolResult Inspect(std::vector<std::string> arguments, const std::string& input = "") {
+  return RunTool(INSPECT_BINARY, std::move(arguments), input);
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != text.npos;
+}
+
+}  // namespace
+
+TEST(InspectTool, HidesSecretsEverywhere) {
+  const std::string sealed(600, 'S');
+  const std::string lines =
+      "@PJL SET JOBATTR=\"@JOEP=" + sealed + "\"\n@PJL SET JOBATTR=\"@ACEP=secret\"\r\n" +
+      "@PJL SET HOLDENCRYPTKEY=\"secret\"\r\n@PJL SET BOXENCRYPTKEY=secret\n" +
+      "@PJL SET JOBATTR=\"@JOEP=secret\n@PJL SET JOBATTR=\"@ACEP=secret@PJL SET RET=ON\n" +
+      "@PJL SET JOBATTR=\"@XXXX=" + sealed + "\"\nx " + sealed + "\n";
+  ScratchFolder folder;
+  const std::string first = folder.write("a", "@JOEP=secret" + Job(lines));
+  const std::string second = folder.write("b", Job("@PJL SET HOLDENCRYPTKEY=\"secret2\"\r\n"));
+  const std::vector<std::string> uses[] = {
+      {first}, {"--json", first}, {"--diff", first, second}, {"--diff", "--json", first, second}};
+  for (const auto& arguments : uses) {
+    const ToolResult result = Inspect(arguments);
+    EXPECT_EQ(result.status, 1);
+    const std::string text = result.output + result.messages;
+    EXPECT_FALSE(Contains(text, "secret") || Contains(text, "SSSSSSSS")) << text;
+  }
+  EXPECT_TRUE(Contains(Inspect({first, "--show-passwords"}).output, "secret"));
+}
+
+TEST(InspectTool, OpensPasswordsWithTheDeviceKey) {
+  ScratchFolder folder;
+  const std::string job = folder.write("job", FilteredJob(kSecurePrint + Stored("ge\033heim")));
+  const ToolResult opened = Inspect({job, "--device-key", kKeyFile});
+  EXPECT_EQ(opened.status, 0);
+  EXPECT_TRUE(Contains(opened.output, "device key, opens ")) << opened.output;
+  EXPECT_FALSE(Contains(opened.output, "heim"));
+  const ToolResult shown = Inspect({job, "--device-key", kKeyFile, "--show-passwords"});
+  EXPECT_TRUE(Contains(shown.output, "opens: \"ge\\x1bheim\""));
+  const ToolResult json = Inspect({"--json", job, "--device-key", kKeyFile, "--show-passwords"});
+  EXPECT_TRUE(Contains(json.output, "\"password\": \"ge\\u001bheim\""));
+}
+
+TEST(InspectTool, ComparesTwoJobs) {
+  ScratchFolder folder;
+  const auto job = [&](const char* name, const char* password, const char* layout) {
+    return folder.write(name, FilteredJob(kSecurePrint + Stored(password) + layout));
+  };
+  const std::string first = job("a", "one", " number-up=2");
+  const std::string again = job("b", "one", " number-up=2");
+  const std::string other = job("c", "two", " number-up=4");
+  const ToolResult same = Inspect({"--diff", first, again, "--device-key", kKeyFile});
+  EXPECT_EQ(same.status, 0);
+  EXPECT_EQ(same.output, "");
+  const ToolResult different = Inspect({"--diff", first, other});
+  EXPECT_EQ(different.status, 1);
+  EXPECT_EQ(different.output,
+            "Layout and booklet\n  Pages per sheet: N2 -> N4\n"
+            "  Imposition: sideways -> upright\n\n"
+            "Job summary\n  Pages per sheet: 2 -> 4\n  Orientation: landscape -> portrait\n"
+            "  Order of pages: right, or down -> right, then down\n");
+  EXPECT_TRUE(Contains(Inspect({"--diff", first, other, "--device-key", kKeyFile}).output,
+                       "Release password: "));
+  const auto json = nlohmann::json::parse(Inspect({"--diff", "--json", first, other}).output);
+  EXPECT_FALSE(json["same"]);
+  EXPECT_EQ(json["differences"][0]["second"], "N4");
+
+  const std::string insertion = "@PJL SET JOBATTR=\"@EIST=";
+  const std::string two = folder.write("d", Job(insertion + "2\"\n" + insertion + "1\"\n"));
+  const std::string three = folder.write("e", Job(insertion + "3\"\n" + insertion + "1\"\n"));
+  EXPECT_EQ(Inspect({"--diff", two, three}).output, "Special pages\n  Insert after page: 2 -> 3\n");
+}
+
+TEST(InspectTool, RendersPages) {
+  ScratchFolder folder;
+  const std::string plain = folder.write("plain", FilteredJob(""));
+  folder.write("stamped", FilteredJob(kWatermark));
+  for (const char* name : {"plain", "stamped"}) {
+    const ToolResult result = Inspect(
+        {folder.path() + "/" + name, "--png", folder.path() + "/50%d " + name, "--dpi", "20"});
+    ASSERT_EQ(result.status, 0) << result.messages;
+  }
+  for (const char* page : {"/page-001.png", "/page-004.png"}) {
+    const std::string before = FileContent(folder.path() + "/50%d plain" + page);
+    EXPECT_TRUE(before.starts_with("\x89PNG"));
+    EXPECT_NE(before, FileContent(folder.path() + "/50%d stamped" + page));
+  }
+  const ToolResult missing =
+      RunTool(INSPECT_BINARY, {plain, "--png", folder.path()}, "", "/nowhere");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_TRUE(Contains(missing.messages, "Ghostscript (gs) was not found"));
+  const std::string broken = folder.write("broken", Job("", "%!PS\n(no end\n"));
+  const ToolResult refused = Inspect({broken, "--png", folder.path()});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_TRUE(Contains(refused.messages, "does not like the document: Error: /syntaxerror"));
+}
+
+TEST(InspectTool, KeepsItsManners) {
+  ScratchFolder folder;
+  const std::string good = folder.write("good", Job(""));
+  const std::string bad = folder.write("bad", Job("@PJL SET RET=NO\n"));
+  const std::string text = folder.write("text", "hello\n");
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    const char* message;
+  } rows[] = {
+      {{good}, 0, ""},
+      {{"--json", good}, 0, ""},
+      {{bad}, 1, "bad: line 2: a value that the device dialect does not know: @PJL SET RET=NO"},
+      {{text}, 1, "text: this is no printer-ready job"},
+      {{"--diff", good, text}, 1, "text: this is no printer-ready job"},
+      {{folder.path()}, 1, "it is a folder"},
+      {{folder.path() + "/none"}, 1, "cannot read "},
+      {{good, "--device-key", good}, 1, "is no private key that can be read"},
+      {{good, "--png", good}, 1, "cannot make the folder"},
+      {{}, 2, "JOB is required"},
+      {{good, good}, 2, "one job at a time"},
+      {{"--diff", good}, 2, "--diff compares two jobs"},
+      {{"--diff", "--png", "x", good, good}, 2, "--png renders one job"},
+      {{good, "--dpi", "50"}, 2, "--png"},
+      {{good, "--colour"}, 2, "--colour"},
+  };
+  for (const auto& row : rows) {
+    const ToolResult result = Inspect(row.arguments);
+    EXPECT_EQ(result.status, row.status) << row.message << result.messages;
+    EXPECT_EQ(IsOneLine(result.messages), row.status != 0) << result.messages;
+    EXPECT_EQ(result.messages.starts_with("xpjl-inspect: "), row.status != 0) << result.messages;
+    EXPECT_TRUE(Contains(result.messages, row.message)) << result.messages;
+  }
+  EXPECT_TRUE(Contains(Inspect({"-"}, Job("")).output, "nothing wrong"));
+  EXPECT_EQ(Inspect({"--help"}).status, 0);
+  EXPECT_TRUE(Inspect({"--version"}).output.starts_with("xpjl-inspect "));
+}

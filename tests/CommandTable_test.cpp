@@ -1,56 +1,13 @@
-// Rows become lines.
+// Formats and values become lines, and conditions are tested. The modules' tests run the rows.
 
 #include "engine/CommandTable.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
-
-struct Sample {
-  char address[46];
-  char detected[40];
-  std::int32_t copies;
-};
-Sample sample;
-constexpr std::int32_t kSampleAbsent = -1;
-constexpr std::int32_t kSampleTwo = 2;
-constexpr std::int32_t kSampleLimit = 9;
-constexpr const char* kSampleWord = "fe80";
-
-}  // namespace
-
-#define ROWS_FILE "tests/support/SampleRows.def"
-#define ROWS_TABLE sampleFmtTable
-#define ROWS_COUNT 5
-#define ROWS_BIND_VALUES BindSampleValues
-#define ROWS_BIND_TESTS BindSampleTests
-#include "engine/CommandRows.h"
-
-namespace {
-
-std::string Lines(const Sample& options) {
-  sample = options;
-  BindSampleValues();
-  BindSampleTests();
-  testing::internal::CaptureStdout();
-  OutputXPJLCommandFromArray(nullptr, sampleFmtTable, 5);
-  return testing::internal::GetCapturedStdout();
-}
-
-TEST(CommandTable, WritesTheRowsWhoseConditionsHold) {
-  const std::string always = "@PJL SET RET=ON 100%\n";
-  EXPECT_EQ(Lines({"10.1.2.3", "", -1}), "@PJL SET JOBATTR=\"@HOAD=10.1.2.3\"\n" + always);
-  EXPECT_EQ(Lines({"", "I0A010203", -1}), "@PJL SET JOBATTR=\"@HOAD=I0A010203\"\n" + always);
-  EXPECT_EQ(Lines({"", "", 3}), "@PJL SET QTY=3\r\n" + always);
-  const std::string line = "@PJL SET JOBATTR=\"@HOAD=10.1.2.3\"\n";
-  EXPECT_EQ(Lines({"10.1.2.3", "", 2}), line + "@PJL SET QTY=2\r\n" + always + line);
-  EXPECT_EQ(Lines({"10.1.22.3", "", 2}).find(always) + always.size(),
-            Lines({"10.1.22.3", "", 2}).size());
-  EXPECT_EQ(Lines({"fe80::1", "", 2}).find(always) + always.size(),
-            Lines({"fe80::1", "", 2}).size());
-}
 
 std::string Expand(const std::string& format, std::vector<CmdValue> values,
                    std::size_t outSize = kCommandSize) {
@@ -95,20 +52,6 @@ TEST(CommandTable, CutsLongLines) {
   EXPECT_EQ(getCtrlSym("%s", longText, buffer, sizeof buffer), 3);
   EXPECT_STREQ(buffer, "vvv");
   EXPECT_EQ(getCtrlSym("%x", longText, buffer, sizeof buffer), 0);
-}
-
-TEST(CommandTable, ConditionsAreConjunctionsThatStopEarly) {
-  static int calls;
-  calls = 0;
-  const CompareFunc yes = [](const void*, const void*) { return ++calls, 1; };
-  const CompareFunc no = [](const void*, const void*) { return ++calls, 0; };
-  const ComparationItem items[] = {
-      {nullptr, nullptr, yes}, {nullptr, nullptr, no}, {nullptr, nullptr, yes}};
-  const Comparation none = {0, nullptr}, one = {1, items}, all = {3, items};
-  EXPECT_EQ(ConditionCompare(&none), 1);
-  EXPECT_EQ(ConditionCompare(&one), 1);
-  EXPECT_EQ(ConditionCompare(&all), 0);
-  EXPECT_EQ(calls, 3);
 }
 
 TEST(CommandTable, ComparesTextsAndLengths) {

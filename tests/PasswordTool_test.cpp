@@ -1,53 +1,41 @@
 // Passwords from standard input and from a terminal, on their way to the device.
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <termios.h>
+#ifdef __APPLE__
+#include <util.h>
+#else
+#include <pty.h>
+#include <utmp.h>
+#endif
 
 #include <csignal>
 #include <cstdlib>
 
 #include "tests/support/Password.h"
+#include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
 #include "tests/support/ToolProcess.h"
 
 namespace {
 
-// The tool on a terminal of its own.
+// The tool on a terminal of its own, its standard output in a file. It has ten seconds.
 class OnTerminal {
  public:
-  explicit OnTerminal(std::vector<std::string> arguments) {
-    terminal_ = posix_openpt(O_RDWR | O_NOCTTY);
-    grantpt(terminal_);
-    unlockpt(terminal_);
-    const std::string name = ptsname(terminal_);
-    side_ = open(name.c_str(), O_RDWR | O_NOCTTY);  // keeps the settings alive
-    arguments.insert(arguments.begin(), PASSWORD_BINARY);
-    if (pipe(output_) != 0) std::abort();
+  OnTerminal() {
+    if (openpty(&terminal_, &side_, nullptr, nullptr, nullptr) != 0) std::abort();
     pid_ = fork();
-    if (pid_ != 0) {
-      close(output_[1]);
-      return;
-    }
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
+    if (pid_ != 0) return;
+    alarm(10);
     std::signal(SIGINT, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    setsid();
-    const int fd = open(name.c_str(), O_RDWR);  // becomes the controlling terminal
-    dup2(fd, STDIN_FILENO);
-    dup2(fd, STDERR_FILENO);
-    dup2(output_[1], STDOUT_FILENO);
-    execv(PASSWORD_BINARY, argv.data());
+    login_tty(side_);
+    execl("/bin/sh", "sh", "-c", "exec \"$0\" --confirm >\"$1\"", PASSWORD_BINARY, output_.c_str(),
+          nullptr);
     _exit(127);
   }
   ~OnTerminal() {
     close(terminal_);
     close(side_);
-    close(output_[0]);
   }
   OnTerminal(const OnTerminal&) = delete;
   OnTerminal& operator=(const OnTerminal&) = delete;
@@ -57,47 +45,28 @@ class OnTerminal {
     tcgetattr(side_, &state);
     return (state.c_lflag & ECHO) != 0;
   }
-  // Waits for a prompt, then types.
+  // Reads what the terminal shows until it ends with `prompt`, then types.
   void answer(const std::string& prompt, const std::string& typed) {
-    readUntil(prompt);
+    for (char byte; !shown_.ends_with(prompt) && read(terminal_, &byte, 1) == 1;) shown_ += byte;
     EXPECT_FALSE(echoes());
-    if (write(terminal_, typed.data(), typed.size()) < 0) std::abort();
+    EXPECT_GT(write(terminal_, typed.data(), typed.size()), 0);
   }
-  // Standard output; the exit status, or minus the signal, goes to `status`.
-  std::string finish(int& status) {
-    std::string text;
-    char block[1024];
-    for (;;) {
-      pollfd ready = {output_[0], POLLIN, 0};
-      if (poll(&ready, 1, kPatience) != 1) kill(pid_, SIGKILL);
-      const ssize_t count = read(output_[0], block, sizeof block);
-      if (count <= 0) break;
-      text.append(block, static_cast<std::size_t>(count));
-    }
+  // The exit status, or minus the signal.
+  int finish() {
+    int status = 0;
     waitpid(pid_, &status, 0);
-    status = WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-    readUntil("");
-    return text;
+    fcntl(terminal_, F_SETFL, O_NONBLOCK);
+    for (char byte; read(terminal_, &byte, 1) == 1;) shown_ += byte;
+    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
   }
   const std::string& shown() const { return shown_; }
+  std::string output() const { return FileContent(output_); }
 
  private:
-  static constexpr int kPatience = 10'000;  // milliseconds
-
-  // What the terminal shows, until it ends with `end`; with an empty one all that is there.
-  void readUntil(const std::string& end) {
-    while (end.empty() || !shown_.ends_with(end)) {
-      pollfd ready = {terminal_, POLLIN, 0};
-      char byte = '\0';
-      if (poll(&ready, 1, end.empty() ? 0 : kPatience) != 1 || read(terminal_, &byte, 1) != 1)
-        return;
-      shown_ += byte;
-    }
-  }
-
+  ScratchFolder folder_;
+  std::string output_ = folder_.path() + "/output";
   int terminal_ = -1;
   int side_ = -1;
-  int output_[2] = {-1, -1};
   pid_t pid_ = -1;
   std::string shown_;
 };
@@ -117,17 +86,17 @@ TEST(PasswordTool, PrintsTheTicketValueOfTheFirstLine) {
       {"M\xc3\xbcller\n", "M\xc3\xbcller", ""},
       {std::string(255, 'x') + "\n", std::string(255, 'x'), ""},
       {std::string(255, 'x') + "\r\n", std::string(255, 'x'), ""},
-      {std::string(256, 'x') + "\n", "", "the password is longer than 255 bytes"},
-      {std::string(70000, 'x'), "", "the password is longer than 255 bytes"},
-      {"\n", "", "the password is empty"},
-      {"", "", "there is no password on standard input"},
+      {std::string(256, 'x') + "\n", "", "xpjl-password: the password is longer than 255 bytes\n"},
+      {std::string(70000, 'x'), "", "xpjl-password: the password is longer than 255 bytes\n"},
+      {"\n", "", "xpjl-password: the password is empty\n"},
+      {"", "", "xpjl-password: there is no password on standard input\n"},
   };
   for (const auto& row : rows) {
     const ToolResult result = RunTool(PASSWORD_BINARY, {"--confirm"}, row.input);
-    EXPECT_EQ(result.status, row.password.empty() ? 1 : 0) << result.messages;
-    EXPECT_EQ(result.output, row.password.empty() ? "" : Stored(row.password) + "\n");
-    EXPECT_EQ(result.messages,
-              row.password.empty() ? std::string("xpjl-password: ") + row.message + "\n" : "");
+    const bool refused = row.password.empty();
+    EXPECT_EQ(result.status, refused ? 1 : 0) << result.messages;
+    EXPECT_EQ(result.output, refused ? "" : Stored(row.password) + "\n");
+    EXPECT_EQ(result.messages, refused ? row.message : "");
   }
 }
 
@@ -136,10 +105,7 @@ TEST(PasswordTool, ReachesTheDevice) {
   value.pop_back();
   FilterJob job;
   job.arguments[4] = Tickets(
-      "PrintTypeTicketKey=2 PrintTypeUserNameTicketKey=sam "
-      "PrintTypePasswordTicketKey=" +
-      value);
-  job.input = "%!PS\n";
+      "PrintTypeTicketKey=2 PrintTypeUserNameTicketKey=sam PrintTypePasswordTicketKey=" + value);
   EXPECT_NE(WithOpenedPasswords(RunFilter(job).output).find("HOLDENCRYPTKEY=\"<ge heim>\""),
             std::string::npos);
 }
@@ -169,12 +135,11 @@ TEST(PasswordTool, AsksOnATerminalWithoutEcho) {
       {"geheim\n", "\3", -SIGINT, "Password: \r\nOnce more: \r\n"},
   };
   for (const auto& row : rows) {
-    OnTerminal tool({"--confirm"});
+    OnTerminal tool;
     tool.answer("Password: ", row.first);
     tool.answer("Once more: ", row.second);
-    int status = 0;
-    EXPECT_EQ(tool.finish(status), row.status == 0 ? Stored("geheim") + "\n" : "");
-    EXPECT_EQ(status, row.status);
+    EXPECT_EQ(tool.finish(), row.status);
+    EXPECT_EQ(tool.output(), row.status == 0 ? Stored("geheim") + "\n" : "");
     EXPECT_EQ(tool.shown(), row.shown);
     EXPECT_TRUE(tool.echoes());
   }

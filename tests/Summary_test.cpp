@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "modules/booklet/Booklet.h"
 #include "modules/comment/Comment.h"
@@ -13,33 +13,26 @@
 
 namespace {
 
-constexpr char kColorPPD[] =
-    "*ColorDevice: True\n*OpenUI *ZLVColorMode: PickOne\n*DefaultZLVColorMode: Color\n"
-    "*ZLVColorMode Color: \"\"\n*ZLVColorMode Black: \"\"\n*CloseUI: *ZLVColorMode\n";
-constexpr char kGrayDefaultPPD[] =
-    "*ColorDevice: True\n*OpenUI *ZLVColorMode: PickOne\n*DefaultZLVColorMode: Black\n"
-    "*ZLVColorMode Color: \"\"\n*ZLVColorMode Black: \"\"\n*CloseUI: *ZLVColorMode\n";
+// A colour printer whose colour mode has this default.
+std::string ColorPPD(const std::string& mode) {
+  return "*ColorDevice: True\n*OpenUI *ZLVColorMode: PickOne\n*DefaultZLVColorMode: " + mode +
+         "\n*ZLVColorMode Color: \"\"\n*ZLVColorMode Black: \"\"\n*CloseUI: *ZLVColorMode\n";
+}
 
 // What `write` writes for a job with these options, without the prefix that all its lines have.
 template <typename Write>
 std::string Lines(const std::string& ppdLines, const std::string& options,
                   const std::string& prefix, Write write) {
-  const UsedPPD ppd(ppdLines);
-  Arguments args(options);
-  testing::internal::CaptureStdout();
-  CommentGetTicketFromPDE(args);
-  write();
-  std::istringstream lines(testing::internal::GetCapturedStdout());
+  std::istringstream lines(Written(ppdLines, options, [&](char* args[]) {
+    CommentGetTicketFromPDE(args);
+    write();
+  }));
   std::string items;
   for (std::string line; std::getline(lines, line);) {
     EXPECT_TRUE(line.starts_with(prefix)) << line;
     items += (items.empty() ? "" : " ") + line.substr(prefix.size());
   }
   return items;
-}
-
-std::string TonerSaver(const std::string& options) {
-  return Lines("", options, "@PJL SET ", OutputXPJLCommandForTonerSaver);
 }
 
 TEST(Quality, SavesToner) {
@@ -62,7 +55,10 @@ TEST(Quality, SavesToner) {
       {user + "Percent-5", "ECONOMODE=OFF REDUCTIONRATE=0"},
       {user + "Percenthalf", "ECONOMODE=OFF REDUCTIONRATE=0"},
   };
-  for (const auto& c : cases) EXPECT_EQ(TonerSaver(c.options), c.lines) << c.options;
+  for (const auto& c : cases) {
+    EXPECT_EQ(Lines("", c.options, "@PJL SET ", OutputXPJLCommandForTonerSaver), c.lines)
+        << c.options;
+  }
 }
 
 TEST(Quality, SetsLineWeightAndRenderMode) {
@@ -70,12 +66,12 @@ TEST(Quality, SetsLineWeightAndRenderMode) {
     std::string ppd, options, lines;
   } cases[] = {
       {"", "", "RENDERMODE=GRAYSCALE"},
-      {kColorPPD, "", "RENDERMODE=COLOR"},
-      {kGrayDefaultPPD, "", "RENDERMODE=GRAYSCALE"},
+      {ColorPPD("Color"), "", "RENDERMODE=COLOR"},
+      {ColorPPD("Black"), "", "RENDERMODE=GRAYSCALE"},
       {"*ColorDevice: True\n", "", "RENDERMODE=GRAYSCALE"},
       {"", "ZLVColorMode=Color", "RENDERMODE=COLOR"},
-      {kColorPPD, "ZLVColorMode=Black", "RENDERMODE=GRAYSCALE"},
-      {kColorPPD, "ZLVColorMode=Auto", ""},
+      {ColorPPD("Color"), "ZLVColorMode=Black", "RENDERMODE=GRAYSCALE"},
+      {ColorPPD("Color"), "ZLVColorMode=Auto", ""},
       {"", "ZLVColorMode=Auto", "RENDERMODE=GRAYSCALE"},
       {"", "ZLVLineWeightAdjustment=Normal", "JOBATTR=\"@LWAD=0\" RENDERMODE=GRAYSCALE"},
       {"", "ZLVLineWeightAdjustment=Strongly3", "JOBATTR=\"@LWAD=-3\" RENDERMODE=GRAYSCALE"},
@@ -121,15 +117,14 @@ TEST(Quality, GivesDefaultsForWhatThePPDDoesNotOffer) {
   const std::string offered =
       "*OpenUI *ZLVBrightnes: PickOne\n*DefaultZLVBrightnes: Normal\n"
       "*ZLVBrightnes Normal: \"\"\n*CloseUI: *ZLVBrightnes\n";
-  const std::string prefix = "@PJL SET ";
-  const auto write = [] { OutputPJLCommandForPPDKeyArray(PPDKeyArray, JobPPD()); };
-  EXPECT_EQ(Lines(offered, "", prefix, write),
+  EXPECT_EQ(Lines(offered, "", "@PJL SET ",
+                  [] { OutputPJLCommandForPPDKeyArray(PPDKeyArray, JobPPD()); }),
             "JOBATTR=\"@TRAP=OFF\" JOBATTR=\"@GRGU=OFF\" JOBATTR=\"@RGBP=SRGB\" "
             "JOBATTR=\"@RGBG=22\" ECONOMODE=OFF");
 }
 
-std::string Summary(const std::string& options, const std::string& ppd = "") {
-  return Lines(ppd, options, "@PJL COMMENT PRINTJOBINFO ", [] {
+std::string Summary(const std::string& options) {
+  return Lines("", options, "@PJL COMMENT PRINTJOBINFO ", [] {
     OutputXPJLCommandforCommentBasic();
     OutputXPJLCommandforCommentAdvanced();
   });
@@ -211,35 +206,36 @@ TEST(Comment, FollowsTheRulesOfEachItem) {
 }
 
 TEST(Comment, TurnsTheOrientationWithTheSheet) {
-  // For the requested orientations 1, 4, 5 and 6.
   const struct {
-    const char *signatures, *numbersUp, *words;
+    std::vector<const char*> signatures, numbersUp;
+    std::string words[4];  // for the requested orientations 1, 4, 5 and 6
   } cases[] = {
-      {"LeftSig LeftSigCenterStaple LeftSigFold", "1 4 9 16",
-       "LANDSCAPE ROTATEDPORTRAIT ROTATEDPORTRAIT LANDSCAPE"},
-      {"LeftSig LeftSigFold", "2 6", "ROTATEDPORTRAIT LANDSCAPE LANDSCAPE ROTATEDPORTRAIT"},
-      {"RightSig RightSigCenterStaple RightSigFold", "1 4 9 16",
-       "ROTATEDLANDSCAPE PORTRAIT PORTRAIT ROTATEDLANDSCAPE"},
-      {"RightSig RightSigFold", "2 6", "PORTRAIT ROTATEDLANDSCAPE ROTATEDLANDSCAPE PORTRAIT"},
-      {"None", "1", "PORTRAIT LANDSCAPE ROTATEDLANDSCAPE ROTATEDPORTRAIT"},
-      {"None", "2 6", "LANDSCAPE PORTRAIT PORTRAIT LANDSCAPE"},
-      {"None", "4 9 16", "PORTRAIT LANDSCAPE LANDSCAPE PORTRAIT"},
-      {"None LeftSig RightSig Other", "3 8 -1", "- - - -"},
-      {"Other", "1 2 4", "- - - -"},
+      {{"LeftSig", "LeftSigCenterStaple", "LeftSigFold"},
+       {"1", "4", "9", "16"},
+       {"LANDSCAPE", "ROTATEDPORTRAIT", "ROTATEDPORTRAIT", "LANDSCAPE"}},
+      {{"LeftSig", "LeftSigFold"},
+       {"2", "6"},
+       {"ROTATEDPORTRAIT", "LANDSCAPE", "LANDSCAPE", "ROTATEDPORTRAIT"}},
+      {{"RightSig", "RightSigCenterStaple", "RightSigFold"},
+       {"1", "4", "9", "16"},
+       {"ROTATEDLANDSCAPE", "PORTRAIT", "PORTRAIT", "ROTATEDLANDSCAPE"}},
+      {{"RightSig", "RightSigFold"},
+       {"2", "6"},
+       {"PORTRAIT", "ROTATEDLANDSCAPE", "ROTATEDLANDSCAPE", "PORTRAIT"}},
+      {{"None"}, {"1"}, {"PORTRAIT", "LANDSCAPE", "ROTATEDLANDSCAPE", "ROTATEDPORTRAIT"}},
+      {{"None"}, {"2", "6"}, {"LANDSCAPE", "PORTRAIT", "PORTRAIT", "LANDSCAPE"}},
+      {{"None"}, {"4", "9", "16"}, {"PORTRAIT", "LANDSCAPE", "LANDSCAPE", "PORTRAIT"}},
+      {{"None", "LeftSig", "RightSig", "Other"}, {"3", "8", "-1"}, {}},
+      {{"Other"}, {"1", "2", "4"}, {}},
   };
+  const char* requested[] = {"1", "4", "5", "6"};
   for (const auto& c : cases) {
-    std::istringstream signatures(c.signatures);
-    for (std::string signature; signatures >> signature;) {
-      std::istringstream numbersUp(c.numbersUp);
-      for (std::string numberUp; numbersUp >> numberUp;) {
-        const std::string options = "ZLVSignature=" + signature + " number-up=" + numberUp;
-        std::istringstream words(c.words);
-        std::string word;
-        for (const char* requested : {"1", "4", "5", "6"}) {
-          words >> word;
-          EXPECT_EQ(Item("ORIENTATION", options + " orientation-requested=" + requested),
-                    word == "-" ? "" : word)
-              << options << requested;
+    for (const std::string signature : c.signatures) {
+      for (const std::string numberUp : c.numbersUp) {
+        for (std::size_t i = 0; i < std::size(requested); i++) {
+          const std::string options = "ZLVSignature=" + signature + " number-up=" + numberUp +
+                                      " orientation-requested=" + requested[i];
+          EXPECT_EQ(Item("ORIENTATION", options), c.words[i]) << options;
         }
       }
     }

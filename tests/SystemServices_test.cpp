@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/PostScriptStream.h"
@@ -62,14 +63,13 @@ TEST(SystemVersion, AnswersSelectorsAndReportsUnknownOnes) {
             "Gestalt_ALT : selector '7379737a' not supported.\n");
   EXPECT_EQ(value, 77);
 #ifdef __linux__
-  EXPECT_EQ(Gestalt_ALT(kSystemVersion, &value), 0);
-  EXPECT_EQ(value, 0x10F6);
-  Gestalt_ALT(kSystemVersionMajor, &value);
-  EXPECT_EQ(value, 10);
-  Gestalt_ALT(kSystemVersionMinor, &value);
-  EXPECT_EQ(value, 15);
-  Gestalt_ALT(kSystemVersionBugFix, &value);
-  EXPECT_EQ(value, 6);
+  for (const auto& [selector, answer] : {std::pair(kSystemVersion, 0x10F6),
+                                         {kSystemVersionMajor, 10},
+                                         {kSystemVersionMinor, 15},
+                                         {kSystemVersionBugFix, 6}}) {
+    EXPECT_EQ(Gestalt_ALT(selector, &value), 0);
+    EXPECT_EQ(value, answer);
+  }
 #endif
 }
 
@@ -107,20 +107,6 @@ TEST(PPDAccess, APPDThatCannotBeReadHasNoAttributes) {
   CloseJobPPD();
   EXPECT_EQ(ppdFindAttr_ALT(nullptr, "ZLV", nullptr), nullptr);
   EXPECT_EQ(GetCFStringSimEncodingFromPPD(nullptr), kTextEncodingUTF8);
-}
-
-TEST(JobOptions, ReadsNumbersAsTheCLibraryDoes) {
-  const struct {
-    const char* text;
-    int number;
-  } cases[] = {{"12", 12},
-               {" -7x", -7},
-               {"+3", 3},
-               {"", 0},
-               {"x", 0},
-               {"4294967296", 2147483647},
-               {"-99999999999999999999", -2147483647 - 1}};
-  for (const auto& c : cases) EXPECT_EQ(DecimalInteger(c.text), c.number) << c.text;
 }
 
 TEST(JobOptions, OffersTheOutputMode) {

@@ -52,26 +52,10 @@ std::string AccountingLines(const std::string& settings, const char* ppdLines = 
 const std::string kAlways = "@CNAM=atlas$@LUNA=sam$@NLPP=1$";
 const std::string kTitle = "@ACNA=letter^";
 
-// `identity` stands between the lines every job has and the title; `behind` follows the title.
-struct AccountingCase {
-  const char* what;
-  std::string settings;
-  std::string identity;
-  std::string behind = "";
-};
-
-void Check(std::initializer_list<AccountingCase> cases) {
-  for (const AccountingCase& c : cases) {
-    EXPECT_EQ(AccountingLines(c.settings), Attributes(kAlways + c.identity + kTitle + c.behind))
-        << c.what;
-  }
-}
-
 TEST(Accounting, EveryJobSaysWhereItComesFrom) {
-  Check(
-      {{"no tickets: the login user all the same", "", "@JOAU=acc^"},
-       {"no management type", "JBAUserIDTextEditTicket=", ""},
-       {"unknown management type", "JBAManageTypeListTicketKey=3 JBAUserIDTextEditTicket=x", ""}});
+  EXPECT_EQ(AccountingLines(""), Attributes(kAlways + "@JOAU=acc^" + kTitle));  // all the same
+  EXPECT_EQ(AccountingLines("JBAManageTypeListTicketKey=3 JBAUserIDTextEditTicket=x"),
+            Attributes(kAlways + kTitle));
   EXPECT_EQ(
       AccountingLines("JBAIPAddressStringTicket=10.1.2.3 number-up=4 JBAUserIDTextEditTicket="),
       Attributes("@CNAM=atlas$@LUNA=sam$@HOAD=10.1.2.3$@NLPP=N4$@ACNA=letter^"));
@@ -87,133 +71,103 @@ TEST(Accounting, UnknownNamesHavePlaceholders) {
   *IPAddressStr = '\0';
 }
 
-const std::string kUser = "JBAManageTypeListTicketKey=2 JBAUserIDTextEditTicket=kim ";
-const std::string kUserCommon = kUser + "JBAUserSettingRadioBtnTicket=1 ";
-const std::string kLogin = kUserCommon + "JBAUserIDListCtrlTicket=1 ";
+// What a device is told of a user by the user's tickets, or by those of the administrator: "*" in a
+// ticket's name is nothing or "Admin".
+struct AccountingCase {
+  const char* what;
+  std::string settings;
+  std::string identity;
+  std::string storagePassword = "";
+  std::string behind = "";  // the title
+};
 
-TEST(Accounting, UserModeByLoginName) {
-  Check({
-      {"no information set", kLogin + "JBAInfoListTicketKey=0", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"user account", kLogin + "JBAInfoListTicketKey=1", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"billing", kLogin + "JBAInfoListTicketKey=2", "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
-      {"all", kLogin + "JBAInfoListTicketKey=3", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"another list", kLogin + "JBAInfoListTicketKey=4", "@JOEP=^@DAID=^"},
-      {"placeholder form", kLogin + "JBAInfoListTicketKey=1 JBAInfoSetListTicketKey=8",
-       "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
-      {"placeholder form without information",
-       kLogin + "JBAInfoListTicketKey=0 JBAInfoSetListTicketKey=8", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"everything",
-       kLogin + "JBAInfoListTicketKey=0 JBAUserPasswordTextEditTicket=<pw> "
-                "JBADomainNameTextEditTicket=office JBAAccountIDTextEditTicket=a7 "
-                "JBAStorageIDTextEditTicket=s9 JBAStoragePasswordTextEditTicket=<spw>",
-       "@JOAU=acc^@JOEP=<pw>^@JOAD=office^@DAID=a7^@ACID=s9^@ACEP=<spw>^"},
-      {"user ID ticket missing: the name twice",
-       "JBAManageTypeListTicketKey=2 JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=1 "
-       "JBAInfoListTicketKey=0",
-       "@JOAU=acc^@JOAU=acc^@JOEP=^@DAID=^"},
-  });
-}
-
-TEST(Accounting, UserModeByEnteredName) {
-  const std::string entered = kUserCommon + "JBAUserIDListCtrlTicket=2 ";
-  Check({
-      {"name alone", entered, "@JOAU=kim^@JOEP=^@DAID=^"},
-      {"with password and storage",
-       entered + "JBAUserPasswordTextEditTicket=<pw> JBAStorageIDTextEditTicket=s9",
-       "@JOAU=kim^@JOEP=<pw>^@DAID=^@ACID=s9^@ACEP=^"},
-      {"no name", entered + "JBAUserIDTextEditTicket= JBAUserPasswordTextEditTicket=<pw>",
-       "@DAID=^"},
-      {"storage password without storage", entered + "JBAStoragePasswordTextEditTicket=<spw>",
-       "@JOAU=kim^@JOEP=^@DAID=^"},
-      {"password that does not open", entered + "JBAUserPasswordTextEditTicket=*",
-       "@JOAU=kim^@JOEP=^@DAID=^"},
-  });
-}
-
-// The tickets of job input, and what they give in user mode (line ends differ in no mode).
-const std::string kInput =
-    "JBAInputUserIDTextEditTicket=jo JBAInputUserPasswordTextEditTicket=<jpw> "
-    "JBAInputDomainNameTextEditTicket=lab JBAInputAccountIDTextEditTicket=b3 "
-    "JBAInputStorageIDTextEditTicket=t5 JBAInputStoragePasswordTextEditTicket=<tpw> ";
-
-TEST(Accounting, UserModeWithJobInput) {
-  const std::string byUser =
-      kUser + "JBAUserInputRadioBtnTicket=1 JBAInputAuthRadioBtnTicketKey=1 ";
-  const std::string byStorage =
-      kUser + "JBAUserInputRadioBtnTicket=1 JBAInputStrgRadioBtnTicketKey=1 ";
-  const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
-  Check({
-      {"by user", byUser + kInput, "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^"},
-      {"by user, nothing typed", byUser, "@JOAU=UnknownUser^@JOEP=^@DAID=^"},
-      {"by user, no password", byUser + "JBAInputUserIDTextEditTicket=jo",
-       "@JOAU=jo^@JOEP=^@DAID=^"},
-      {"by user, placeholder form", byUser + kInput + "JBAInfoSetListTicketKey=8",
-       "@JOAU=UnknownUser^@JOEP=^@JOAD=lab^@DAID=^"},
-      {"by storage", byStorage + kInput + "JBAInfoListTicketKey=0", "@ACID=t5^",
-       unknown + "@ACEP=<tpw>^"},
-      {"by storage, with information", byStorage + kInput + "JBAInfoListTicketKey=2",
-       "@DAID=^@ACID=t5^", unknown + "@ACEP=<tpw>^"},
-      {"by storage, no password", byStorage + "JBAInputStorageIDTextEditTicket=t5",
-       "@DAID=^@ACID=t5^", unknown + "@ACEP=^"},
-      {"by storage, nothing typed", byStorage, "@DAID=^", unknown},
-      {"job input not selected", kUser + "JBAInputAuthRadioBtnTicketKey=1 " + kInput, ""},
-  });
-}
-
-TEST(Accounting, AdministratorMode) {
-  const std::string admin = "JBAManageTypeListTicketKey=1 JBAUserIDTextEditTicket=kim ";
-  const std::string common = admin + "JBAAdminUserSettingRadioBtnTicket=1 ";
-  const std::string login = common + "JBAAdminUserIDListCtrlTicket=1 ";
-  const std::string entered = common + "JBAAdminUserIDListCtrlTicket=2 ";
-  const std::string input = admin + "JBAAdminUserInputRadioBtnTicket=1 ";
-  const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
-  const AccountingCase cases[] = {
-      {"login name", login + "JBAInfoListTicketKey=0", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"login name, user account", login + "JBAInfoListTicketKey=1", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"login name, billing", login + "JBAInfoListTicketKey=2", "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
-      {"login name, all", login + "JBAInfoListTicketKey=3", "@JOAU=acc^@JOEP=^@DAID=^"},
-      {"login name, placeholder form", login + "JBAInfoListTicketKey=3 JBAInfoSetListTicketKey=8",
-       "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
-      {"login name, everything",
-       login + "JBAInfoListTicketKey=0 JBAAdminUserPasswordTextEditTicket=<apw> "
-               "JBAAdminDomainNameTextEditTicket=hq JBAAdminAccountIDTextEditTicket=c1 "
-               "JBAAdminStorageIDTextEditTicket=u2 JBAAdminStoragePasswordTextEditTicket=<upw>",
-       "@JOAU=acc^@JOEP=<apw>^@JOAD=hq^@DAID=c1^@ACID=u2^", "@ACEP=<upw>^"},
-      {"entered name",
-       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminStorageIDTextEditTicket=u2",
-       "@JOAU=lee^@JOEP=^@DAID=^@ACID=u2^", "@ACEP=^"},
-      {"entered name with password",
-       entered + "JBAAdminUserIDTextEditTicket=lee JBAAdminUserPasswordTextEditTicket=<apw>",
-       "@JOAU=lee^@JOEP=<apw>^@DAID=^"},
-      {"job input by user", input + kInput + "JBAInputAuthRadioBtnTicketKey=1",
-       "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^"},
-      {"job input by user, placeholder form",
-       input + kInput + "JBAInputAuthRadioBtnTicketKey=1 JBAInfoSetListTicketKey=8",
-       "@JOAU=UnknownUser^@JOEP=^@JOAD=lab^@DAID=^"},
-      {"job input by user, nothing typed", input + "JBAInputAuthRadioBtnTicketKey=1",
-       "@JOAU=UnknownUser^@JOEP=^@DAID=^"},
-      {"job input by user, no password",
-       input + "JBAInputAuthRadioBtnTicketKey=1 JBAInputUserIDTextEditTicket=jo",
-       "@JOAU=jo^@JOEP=^@DAID=^"},
-      {"job input by storage",
-       input + kInput + "JBAInputStrgRadioBtnTicketKey=1 JBAInfoListTicketKey=1",
-       "@DAID=^@ACID=t5^", unknown + "@ACEP=<tpw>^"},
-      {"job input by storage, no password",
-       input + "JBAInputStrgRadioBtnTicketKey=1 JBAInfoListTicketKey=0 "
-               "JBAInputStorageIDTextEditTicket=t5",
-       "@ACID=t5^", unknown + "@ACEP=^"},
-  };
-  // The administrator's lines, with a title of their own, precede those that every job has.
+void CheckBothModes(const std::string& settings, std::initializer_list<AccountingCase> cases) {
+  const std::regex star("\\*");
+  const std::string byUser = "JBAManageTypeListTicketKey=2 JBAUserIDTextEditTicket=kim ";
+  const std::string byAdministrator =
+      "JBAManageTypeListTicketKey=1 JBAUserIDTextEditTicket=lee JBAAdminUserIDTextEditTicket=kim ";
   for (const AccountingCase& c : cases) {
-    EXPECT_EQ(AccountingLines(c.settings),
-              Attributes(c.identity + kTitle + c.behind + kAlways + kTitle))
+    EXPECT_EQ(AccountingLines(byUser + std::regex_replace(settings + c.settings, star, "")),
+              Attributes(kAlways + c.identity + c.storagePassword + kTitle + c.behind))
         << c.what;
+    // The administrator's lines, with a title of their own, precede those that every job has.
+    EXPECT_EQ(
+        AccountingLines(byAdministrator + std::regex_replace(settings + c.settings, star, "Admin")),
+        Attributes(c.identity + kTitle + c.storagePassword + c.behind + kAlways + kTitle))
+        << c.what << ", by the administrator";
+  }
+}
+
+TEST(Accounting, ByLoginName) {
+  CheckBothModes("JBA*UserSettingRadioBtnTicket=1 JBA*UserIDListCtrlTicket=1 ",
+                 {{"no information set", "JBAInfoListTicketKey=0", "@JOAU=acc^@JOEP=^@DAID=^"},
+                  {"user account", "JBAInfoListTicketKey=1", "@JOAU=acc^@JOEP=^@DAID=^"},
+                  {"billing", "JBAInfoListTicketKey=2", "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
+                  {"all", "JBAInfoListTicketKey=3", "@JOAU=acc^@JOEP=^@DAID=^"},
+                  {"another list", "JBAInfoListTicketKey=4", "@JOEP=^@DAID=^"},
+                  {"placeholder form", "JBAInfoListTicketKey=1 JBAInfoSetListTicketKey=8",
+                   "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
+                  {"placeholder form, all", "JBAInfoListTicketKey=3 JBAInfoSetListTicketKey=8",
+                   "@JOAU=UnknownUser$@JOEP=^@DAID=^"},
+                  {"placeholder form without information",
+                   "JBAInfoListTicketKey=0 JBAInfoSetListTicketKey=8", "@JOAU=acc^@JOEP=^@DAID=^"},
+                  {"everything",
+                   "JBAInfoListTicketKey=0 JBA*UserPasswordTextEditTicket=<pw> "
+                   "JBA*DomainNameTextEditTicket=office JBA*AccountIDTextEditTicket=a7 "
+                   "JBA*StorageIDTextEditTicket=s9 JBA*StoragePasswordTextEditTicket=<spw>",
+                   "@JOAU=acc^@JOEP=<pw>^@JOAD=office^@DAID=a7^@ACID=s9^", "@ACEP=<spw>^"}});
+  EXPECT_EQ(AccountingLines("JBAManageTypeListTicketKey=2 JBAUserSettingRadioBtnTicket=1 "
+                            "JBAUserIDListCtrlTicket=1 JBAInfoListTicketKey=0"),
+            Attributes(kAlways + "@JOAU=acc^@JOAU=acc^@JOEP=^@DAID=^" + kTitle));
+}
+
+TEST(Accounting, ByEnteredName) {
+  CheckBothModes(
+      "JBA*UserSettingRadioBtnTicket=1 JBA*UserIDListCtrlTicket=2 ",
+      {{"name alone", "", "@JOAU=kim^@JOEP=^@DAID=^"},
+       {"with password and storage",
+        "JBA*UserPasswordTextEditTicket=<pw> JBA*StorageIDTextEditTicket=s9",
+        "@JOAU=kim^@JOEP=<pw>^@DAID=^@ACID=s9^", "@ACEP=^"},
+       {"no name", "JBA*UserIDTextEditTicket= JBA*UserPasswordTextEditTicket=<pw>", "@DAID=^"},
+       {"storage password without storage", "JBA*StoragePasswordTextEditTicket=<spw>",
+        "@JOAU=kim^@JOEP=^@DAID=^"},
+       {"password that does not open", "JBA*UserPasswordTextEditTicket=!",
+        "@JOAU=kim^@JOEP=^@DAID=^"}});
+}
+
+TEST(Accounting, ByJobInput) {
+  const std::string typed =
+      "JBAInputUserIDTextEditTicket=jo JBAInputUserPasswordTextEditTicket=<jpw> "
+      "JBAInputDomainNameTextEditTicket=lab JBAInputAccountIDTextEditTicket=b3 "
+      "JBAInputStorageIDTextEditTicket=t5 JBAInputStoragePasswordTextEditTicket=<tpw> ";
+  const std::string byUser = "JBAInputAuthRadioBtnTicketKey=1 ";
+  const std::string byStorage = "JBAInputStrgRadioBtnTicketKey=1 ";
+  const std::string unknown = "@JOAU=UnknownUser$@JOEP=$";
+  CheckBothModes("JBA*UserInputRadioBtnTicket=1 ",
+                 {{"by user", byUser + typed, "@JOAU=jo^@JOEP=<jpw>^@JOAD=lab^@DAID=b3^"},
+                  {"by user, nothing typed", byUser, "@JOAU=UnknownUser^@JOEP=^@DAID=^"},
+                  {"by user, no password", byUser + "JBAInputUserIDTextEditTicket=jo",
+                   "@JOAU=jo^@JOEP=^@DAID=^"},
+                  {"by user, placeholder form", byUser + typed + "JBAInfoSetListTicketKey=8",
+                   "@JOAU=UnknownUser^@JOEP=^@JOAD=lab^@DAID=^"},
+                  {"by storage", byStorage + typed + "JBAInfoListTicketKey=0", "@ACID=t5^", "",
+                   unknown + "@ACEP=<tpw>^"},
+                  {"by storage, with information", byStorage + typed + "JBAInfoListTicketKey=2",
+                   "@DAID=^@ACID=t5^", "", unknown + "@ACEP=<tpw>^"},
+                  {"by storage, no password", byStorage + "JBAInputStorageIDTextEditTicket=t5",
+                   "@DAID=^@ACID=t5^", "", unknown + "@ACEP=^"},
+                  {"by storage, nothing typed", byStorage, "@DAID=^", "", unknown}});
+  for (const std::string mode : {"1", "2"}) {  // without job input being selected
+    const std::string settings =
+        "JBAManageTypeListTicketKey=" + mode + " JBAUserIDTextEditTicket=x ";
+    EXPECT_EQ(AccountingLines(settings + byUser + typed), Attributes(kAlways + kTitle)) << mode;
   }
 }
 
 TEST(Accounting, TextsAreCutToWhatTheDeviceTakes) {
   const std::string settings =
-      kUser + "JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=2 JBAUserIDTextEditTicket=" +
+      "JBAManageTypeListTicketKey=2 JBAUserSettingRadioBtnTicket=1 JBAUserIDListCtrlTicket=2 "
+      "JBAUserIDTextEditTicket=" +
       Repeat("\u00E9", 100) + " JBAAccountIDTextEditTicket=" + Repeat("\u00E9", 100);
   EXPECT_EQ(AccountingLines(settings, kUTF8PPD),
             Attributes(kAlways + "@JOAU=" + Repeat("\u00E9", 48) +

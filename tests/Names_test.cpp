@@ -89,19 +89,6 @@ TEST(Names, DocumentNamesFollowTheProductType) {
   EXPECT_EQ(std::string(StdDocumentName), x100.substr(0, 64));
 }
 
-TEST(Names, TheUnusedEncodingOfTheJobNameCheckFollowsItsProductTypeToo) {
-  const UsedPPD ppd(kLatin1PPD);
-  for (const char* type : {"2", "3", "4"}) {
-    Arguments args(Tickets(std::string("PrintTypeProductTypeTicketKey=") + type));
-    CopyBounded(PTStdDocumentName, Repeat("x", 100));
-    InvalidatePrintTypeDocumentNameForProductType(args);
-    EXPECT_EQ(std::string(PTStdDocumentName).size(), *type == '2' ? 12u : 64u);
-    CopyBounded(PTStdDocumentName, "\xE9");
-    InvalidatePrintTypeDocumentNameForProductType(args);
-    EXPECT_STREQ(PTStdDocumentName, "");
-  }
-}
-
 TEST(HostIdentity, CutsTheHostName) {
   char host[256] = {}, name[97];
   ASSERT_EQ(gethostname(host, sizeof host - 1), 0);

@@ -91,15 +91,7 @@ TEST(Quality, FindsTheLineBehindAFeature) {
     const char *keyword, *choice, *line;
   } cases[] = {
       {"*ZLVSetTrapMode", "False", "@PJL SET JOBATTR=\"@TRAP=OFF\"\n"},
-      {"*ZLVLetterHeadDuplexMode", "DupOn", "@PJL SET JOBATTR=\"@DDPM=ON\"\n"},
-      {"*ZLVOutputMode", "Standard", "@PJL SET BITSPERPIXEL=8\n"},
       {"*ZLVBrightnes", "Dark5", "@PJL SET JOBATTR=\"@PSBR=-5\"\n"},
-      {"*ZLVRGBBCorrection", "Lightest", "@PJL SET JOBATTR=\"@RGBG=10\"\n"},
-      {"*Smoothing", "False", "@PJL SET RET=OFF\n"},
-      {"*ZLVMonochromePriority", "True", "@PJL SET JOBATTR=\"@BSPM=ON\"\n"},
-      {"*ZLVColorDensityCyanLow", "-3", "@PJL SET JOBATTR=\"@AJCL=0\"\n"},
-      {"*ZLVColorDensityMagentaHigh", "0", "@PJL SET JOBATTR=\"@AJMH=3\"\n"},
-      {"*ZLVColorDensityYellowMid", "+1", "@PJL SET JOBATTR=\"@AJYM=4\"\n"},
       {"*ZLVColorDensityBlackHigh", "+2", "@PJL SET JOBATTR=\"@AJKH=5\"\n"},
       {"*ZLVColorDensityBlackHigh", "+3", nullptr},  // the last row is never found
       {"*ZLVSetTrapMode", "false", nullptr},

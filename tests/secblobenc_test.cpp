@@ -12,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <numeric>
+#include <optional>
 #include <regex>
 
 #include "secblobenc/secblobenc-internal.h"
@@ -223,31 +224,54 @@ TEST(SecBlobEnc, KeyTypeOneNamesThe3072BitKey) {
 TEST(SecBlobEnc, FailedSealingPrintsWhyAndWritesNothing) {
   const std::string good = DeviceKeyText();
   const EVPPointer<EVP_PKEY> curve(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
+  const std::string tooLong = "ERROR[88]: too long bufLen [99501].\n";
+  const std::string mode = "AES Error. Unsupported AES Mode.ERROR[161]: AES Encrypt failed[2].\n";
   const std::string rsa = "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n";
+  const std::string random = "Generate Random Error[N]ERROR[",
+                    failed = "]: generate random failed[99].\n";
+  constexpr unsigned kPlenty = 1000;  // the usual source
   const struct {
     unsigned mode, keyType;
     std::size_t length;
     std::string keyText;
+    unsigned supply;  // of random bytes
     unsigned status;
     std::string printed;
   } cases[] = {
-      {1, 0, 99501, good, 2, "ERROR[88]: too long bufLen [99501].\n"},
-      {1, 2, 99501, good, 2, "ERROR[88]: too long bufLen [99501].\n"},
-      {1, 2, 8, good, 2, "ERROR[106]: invalid key type[2].\n"},
-      {0, 0, 8, good, 99, "AES Error. Unsupported AES Mode.ERROR[161]: AES Encrypt failed[2].\n"},
-      {2, 0, 8, good, 99, "AES Error. Unsupported AES Mode.ERROR[161]: AES Encrypt failed[2].\n"},
-      {1, 0, 8, KeyText(curve.get()), 99, rsa},
-      {1, 0, 8, "", 99, rsa},
-      {1, 0, 8, "no Base64 at all", 99, rsa},
-      {1, 0, 8, "Zm9vYmFy", 99, rsa},
+      {1, 0, 99501, good, kPlenty, 2, tooLong},
+      {1, 2, 99501, good, kPlenty, 2, tooLong},
+      {1, 2, 8, good, 0, 2, "ERROR[106]: invalid key type[2].\n"},
+      {0, 0, 8, good, kPlenty, 99, mode},
+      {2, 0, 8, good, kPlenty, 99, mode},
+      {1, 0, 8, KeyText(curve.get()), kPlenty, 99, rsa},
+      {1, 0, 8, "", kPlenty, 99, rsa},
+      {1, 0, 8, "no Base64 at all", kPlenty, 99, rsa},
+      {1, 0, 8, "Zm9vYmFy", kPlenty, 99, rsa},
+      {1, 0, 8, good, 0, 99, random + "114" + failed},
+      {1, 0, 8, good, 32, 99, random + "122" + failed},
+      {1, 0, 8, good, 64 + 15, 99, random + "139" + failed},
+      {0, 0, 8, good, 64 + 11, 99, random + "139" + failed},
+      {1, 0, 8, good, 64 + 16, 99, rsa},
+      {0, 0, 8, good, 64 + 12, 99, rsa},
   };
   for (const auto& row : cases) {
+    std::optional<ScarceRandom> source;
+    if (row.supply != kPlenty) source.emplace(row.supply);
     const Outcome outcome = Seal(row.mode, row.keyType, std::string(row.length, 'p'), row.keyText);
     EXPECT_EQ(outcome.status, row.status) << row.printed;
     EXPECT_EQ(outcome.printed, row.printed);
     EXPECT_EQ(outcome.buffer.find_first_not_of('#'), std::string::npos);
     EXPECT_EQ(outcome.length, 7u);
   }
+}
+
+TEST(SecBlobEnc, SaysWhenTheCryptographyLibraryHasNoHMAC) {
+  const std::string keyText = DeviceKeyText(), failed = "]: Key Derivation HMAC failed[99].\n";
+  ScarceRandom source(64);
+  source.DropAlgorithms();
+  EXPECT_EQ(Seal(1, 0, "pw", keyText).printed, "ERROR[131" + failed);
+  EXPECT_EQ(Store(Encode_Storage, "pw", 32).printed, "ERROR[39" + failed);
+  EXPECT_EQ(Store(Decode_Storage, kStored, 32).printed, "ERROR[84" + failed);
 }
 
 TEST(SecBlobEnc, PrimitivesRefuseKeysAndBuffersThatDoNotFit) {
@@ -265,36 +289,6 @@ TEST(SecBlobEnc, PrimitivesRefuseKeysAndBuffersThatDoNotFit) {
             "AES Error[50331778]\n");
   EXPECT_EQ(out, std::string(512, '#'));
   EXPECT_EQ(length, 7u);
-}
-
-TEST(SecBlobEnc, EachStepOfSealingReportsItsOwnFailure) {
-  const std::string keyText = DeviceKeyText();
-  const std::string random = "Generate Random Error[N]ERROR[";
-  const struct {
-    unsigned mode, keyType, supply;
-    bool algorithms;
-    std::string printed;
-  } cases[] = {
-      {1, 0, 0, true, random + "114]: generate random failed[99].\n"},
-      {1, 2, 0, true, "ERROR[106]: invalid key type[2].\n"},
-      {1, 0, 32, true, random + "122]: generate random failed[99].\n"},
-      {1, 0, 64, false, "ERROR[131]: Key Derivation HMAC failed[99].\n"},
-      {1, 0, 64 + 15, true, random + "139]: generate random failed[99].\n"},
-      {0, 0, 64 + 11, true, random + "139]: generate random failed[99].\n"},
-      {1, 0, 64 + 16, true, "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n"},
-      {0, 0, 64 + 12, true, "RSA Error[N] whyERROR[150]: RSA Encrypt failed[99].\n"},
-  };
-  for (const auto& row : cases) {
-    ScarceRandom random_source(row.supply);
-    if (!row.algorithms) random_source.DropAlgorithms();
-    EXPECT_EQ(Seal(row.mode, row.keyType, "pw", keyText).printed, row.printed);
-  }
-  ScarceRandom random_source(0);
-  random_source.DropAlgorithms();
-  EXPECT_EQ(Store(Encode_Storage, "pw", 32).printed,
-            "ERROR[39]: Key Derivation HMAC failed[99].\n");
-  EXPECT_EQ(Store(Decode_Storage, kStored, 32).printed,
-            "ERROR[84]: Key Derivation HMAC failed[99].\n");
 }
 
 TEST(SecBlobEnc, Base64) {

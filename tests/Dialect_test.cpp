@@ -38,11 +38,9 @@ TEST(Dialect, KnowsEveryNameInTheSourcesAndNoOther) {
   std::set<std::string> words;
   for (const DialectRow& row : DialectRows()) {
     codes.insert(std::string(row.code));
-    std::string list(row.detail);
-    if (row.kind != ValueKind::kWords) list.clear();
-    for (std::size_t at = 0; at < list.size();
-         at = std::min(list.find('|', at), list.size() - 1) + 1) {
-      words.insert(list.substr(at, list.find('=', at) - at));
+    if (row.kind != ValueKind::kWords) continue;
+    for (const std::string& word : Captures("([^=|]+)=", std::string(row.detail))) {
+      words.insert(word);
     }
   }
   for (std::size_t i = 0; i < kPBindWordCount; i++) {

@@ -136,15 +136,12 @@ TEST(JobOptionsDocument, ListsTheFeaturesWithTheirLines) {
 }
 
 TEST(JobOptionsDocument, ListsTheWordsOfThePerfectBinder) {
-  std::vector<std::pair<std::string, std::string>> documented;
+  std::vector<std::string> documented, compiled;
   for (const Row& row : RowsUnder("| Value | Word | Value | Word | Value | Word |")) {
-    for (std::size_t i = 0; i + 1 < row.size() && !row[i].empty(); i += 2) {
-      documented.emplace_back(row[i].at(0), row[i + 1].at(0));
-    }
+    for (const auto& words : row) documented.insert(documented.end(), words.begin(), words.end());
   }
-  std::vector<std::pair<std::string, std::string>> compiled;
   for (std::size_t i = 0; i < kPBindWordCount; i++) {
-    compiled.emplace_back(PerfectBindParam[i].ppdValue, PerfectBindParam[i].deviceWord);
+    compiled.insert(compiled.end(), {PerfectBindParam[i].ppdValue, PerfectBindParam[i].deviceWord});
   }
   EXPECT_EQ(documented, compiled);
 }

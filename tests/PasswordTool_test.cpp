@@ -1,7 +1,10 @@
 // Passwords from standard input and from a terminal, on their way to the device.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <termios.h>
+#include <unistd.h>
 #ifdef __APPLE__
 #include <util.h>
 #else

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <regex>
 #include <string>
 
 #include "DeploymentData.h"
@@ -34,18 +35,9 @@ inline std::string Opened(const std::string& text) {
 
 // A job's lines with every sealed password replaced by <the password>.
 inline std::string WithOpenedPasswords(std::string lines) {
-  constexpr std::size_t kShortestSealed = 400;
-  constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  for (std::size_t at = 0; at < lines.size();) {
-    const std::size_t end = std::min(lines.find_first_not_of(kBase64, at), lines.size());
-    if (end - at < kShortestSealed) {
-      at = end + 1;
-      continue;
-    }
-    const std::size_t quote = lines.find('"', end);  // behind the padding
-    const std::string opened = "<" + Opened(lines.substr(at, quote - at)) + ">";
-    lines.replace(at, quote - at, opened);
-    at += opened.size();
+  static const std::regex sealed("[A-Za-z0-9+/]{400,}=*");
+  for (std::smatch found; std::regex_search(lines, found, sealed);) {
+    lines = found.prefix().str() + "<" + Opened(found.str()) + ">" + found.suffix().str();
   }
   return lines;
 }

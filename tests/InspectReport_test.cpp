@@ -31,10 +31,6 @@ std::string TextOf(const std::string& job, EVP_PKEY* key = nullptr) {
   return TextReport("job", ReportOf(job, key), {});
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != text.npos;
-}
-
 }  // namespace
 
 // Jobs as the filter writes them: nothing is wrong, and the words are right.

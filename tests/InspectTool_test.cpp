@@ -16,10 +16,6 @@ ToolResult Inspect(std::vector<std::string> arguments, const std::string& input 
   return RunTool(INSPECT_BINARY, std::move(arguments), input);
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != text.npos;
-}
-
 }  // namespace
 
 TEST(InspectTool, HidesSecretsEverywhere) {

@@ -1,7 +1,7 @@
 // Passwords from standard input and from a terminal, on their way to the device.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -50,7 +50,8 @@ class OnTerminal {
   }
   // Reads what the terminal shows until it ends with `prompt`, then types.
   void answer(const std::string& prompt, const std::string& typed) {
-    for (char byte; !shown_.ends_with(prompt) && read(terminal_, &byte, 1) == 1;) shown_ += byte;
+    while (!shown_.ends_with(prompt) && readByte(10'000)) {
+    }
     EXPECT_FALSE(echoes());
     EXPECT_GT(write(terminal_, typed.data(), typed.size()), 0);
   }
@@ -58,14 +59,23 @@ class OnTerminal {
   int finish() {
     int status = 0;
     waitpid(pid_, &status, 0);
-    fcntl(terminal_, F_SETFL, O_NONBLOCK);
-    for (char byte; read(terminal_, &byte, 1) == 1;) shown_ += byte;
+    while (readByte(0)) {
+    }
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
   }
   const std::string& shown() const { return shown_; }
   std::string output() const { return FileContent(output_); }
 
  private:
+  // Adds a byte to what the terminal has shown; false when none comes within so many milliseconds.
+  bool readByte(int patience) {
+    pollfd ready = {terminal_, POLLIN, 0};
+    char byte = '\0';
+    if (poll(&ready, 1, patience) != 1 || read(terminal_, &byte, 1) != 1) return false;
+    shown_ += byte;
+    return true;
+  }
+
   ScratchFolder folder_;
   std::string output_ = folder_.path() + "/output";
   int terminal_ = -1;

@@ -9,6 +9,7 @@
 
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "tests/support/Password.h"
+#include "tests/support/Tickets.h"
 
 namespace {
 
@@ -35,11 +36,8 @@ constexpr TicketData kSampleTickets[] = {
 };
 
 Sample Intake(const std::string& options) {
-  char none[] = "";
-  std::string text = options;
-  char* args[] = {none, none, none, none, none, text.data()};
   std::fill_n(reinterpret_cast<char*>(&sample), sizeof sample, 'x');
-  EXPECT_EQ(GetTicketFromArray(args, kSampleTickets, std::size(kSampleTickets)), 1);
+  EXPECT_EQ(GetTicketFromArray(Arguments(options), kSampleTickets, std::size(kSampleTickets)), 1);
   return sample;
 }
 

@@ -15,6 +15,10 @@ inline std::string Job(const std::string& lines, const std::string& document = "
          document + "\4" + kExit + "@PJL EOJ\n";
 }
 
+inline bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != text.npos;
+}
+
 inline std::string Handbook() {
   return FileContent(SAMPLES_DIR "/handbook.ps");
 }

@@ -140,6 +140,7 @@ TEST(Inspect, SaysWhatIsWrongWithTheFrame) {
       {replaced("MODE=PRINTER\r\n", "MODE=PRINTER\n"), "line 1: wrong line end: LF without CR"},
       {replaced("RET=ON\n", "RET=ON\r\n"), "line 2: wrong line end: CR LF instead of LF alone"},
       {replaced("RET=ON", "RET=MAYBE"), "line 2: a value that the device dialect does not know"},
+      {replaced("@PJL SET RET=ON\n", "@PJL EOJ\n"), "line 2: the job ends in its header"},
       {replaced("RET=ON", "RAT=ON"), "line 2: a line that the device dialect does not know"},
       {replaced("@PJL SET RET=ON\n", attribute + "ZZZZ=1\"\n"), "dialect does not know"},
       {replaced("@PJL SET RET=ON\n", "SET RET=ON\n"),

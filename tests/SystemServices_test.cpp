@@ -110,12 +110,9 @@ TEST(PPDAccess, APPDThatCannotBeReadHasNoAttributes) {
 }
 
 TEST(JobOptions, OffersTheOutputMode) {
-  char none[] = "", options[] = "ZLVOutputMode=1200x1200 media=A4", other[] = "media=A4";
-  char* args[] = {none, none, none, none, none, options};
-  EXPECT_EQ(GetDLOutputMode(args), 1);
+  EXPECT_EQ(GetDLOutputMode(Arguments("ZLVOutputMode=1200x1200 media=A4")), 1);
   EXPECT_STREQ(g_DLOutputMode, "1200x1200");
-  args[5] = other;
-  EXPECT_EQ(GetDLOutputMode(args), 0);
+  EXPECT_EQ(GetDLOutputMode(Arguments("media=A4")), 0);
   EXPECT_STREQ(g_DLOutputMode, "");
 }
 

@@ -108,6 +108,7 @@ TEST(Inspect, FindsWhatTheFilterInjected) {
   }
   ASSERT_EQ(injections.back().pages.size(), 1u);
   EXPECT_EQ(injections.back().pages[0], std::pair(std::uint64_t{1}, std::uint64_t{4}));
+  EXPECT_TRUE(Contains(TextOf(job), " (DRAFT), pages 1-4 "));
   EXPECT_TRUE(ReadJob(FilteredJob("")).postScript.injections.empty());
   const JobReport first = ReadJob(FilteredJob(std::string(kWatermark) + "WMARKOnlyFirstTicket=1",
                                               "%!PS\ngrestore\nep\ngsave\ngrestore\nep\n"));

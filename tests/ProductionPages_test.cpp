@@ -38,13 +38,12 @@ std::string SpecialPages(const std::string& settings) {
       std::regex_replace(settings, std::regex("([A-Z][a-z]+)Count="), "XPIF$1CountTicket=");
   tickets =
       std::regex_replace(tickets, std::regex("(Cover|Insertion|Exception)_"), "XPIF$1ValueTicket_");
-  Arguments args(
-      Tickets(std::regex_replace(tickets, std::regex("Command_"), "XPIFCommandTicket_")));
-  testing::internal::CaptureStdout();
-  SpecialPageInializeDescriptionTable();
-  SpecialPageGetTicketFromPDE(args);
-  OutputXPJLCommandForSpecialPage(args);
-  return testing::internal::GetCapturedStdout();
+  tickets = std::regex_replace(tickets, std::regex("Command_"), "XPIFCommandTicket_");
+  return Written("", tickets, [](char* args[]) {
+    SpecialPageInializeDescriptionTable();
+    SpecialPageGetTicketFromPDE(args);
+    OutputXPJLCommandForSpecialPage(args);
+  });
 }
 
 TEST(SpecialPages, Covers) {

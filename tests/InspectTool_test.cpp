@@ -46,6 +46,7 @@ TEST(InspectTool, OpensPasswordsWithTheDeviceKey) {
   EXPECT_EQ(opened.status, 0);
   EXPECT_TRUE(Contains(opened.output, "device key, opens ")) << opened.output;
   EXPECT_FALSE(Contains(opened.output, "heim"));
+  EXPECT_FALSE(Contains(Inspect({"--json", job, "--device-key", kKeyFile}).output, "heim"));
   const ToolResult shown = Inspect({job, "--device-key", kKeyFile, "--show-passwords"});
   EXPECT_TRUE(Contains(shown.output, "opens: \"ge\\x1bheim\""));
   const ToolResult json = Inspect({"--json", job, "--device-key", kKeyFile, "--show-passwords"});

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -109,6 +110,23 @@ TEST(Job, HeaderHasTheDevicesOrder) {
     EXPECT_NE(at = output.find(part, at), output.npos) << part;
   }
 }
+
+#ifdef __linux__
+TEST(Job, LongHostNamesAreCutForUTF8Printers) {
+  if (std::system("unshare -u true 2>/dev/null") != 0)
+    GTEST_SKIP() << "no right to rename the host";
+  const std::string name = "a-computer-whose-name-is-longer-than-most";
+  const ScratchFolder folder;
+  FilterJob job = JobWith("");
+  job.under = {"/usr/bin/unshare", "-u", "/bin/sh", "-c",
+               "echo " + name + " >/proc/sys/kernel/hostname; exec \"$0\" \"$@\""};
+  EXPECT_NE(RunFilter(job).output.find("\"@CNAM=" + name + "\"\n"), std::string::npos);
+  job.environment["PPD"] =
+      folder.write("test.ppd", PPDText("*ZLVPrinterLanguageEncoding: \"UTF-8\"\n"));
+  EXPECT_NE(RunFilter(job).output.find("\"@CNAM=" + name.substr(0, 32) + "\"\n"),
+            std::string::npos);
+}
+#endif
 
 TEST(Job, ATitleWithALineEndIsNoName) {
   for (const char* title : {"two\nlines", "two\rlines", "\n"}) {

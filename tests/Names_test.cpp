@@ -24,7 +24,9 @@ TEST(Names, UserNamesAreCutOrReplaced) {
       {kLatin1PPD, "sam", "sam", "sam"},
       {kLatin1PPD, "", unknown, ""},
       {kLatin1PPD, "   ", unknown, "   "},
-      {kLatin1PPD, "a\tb", unknown, "a\tb"},
+      {kLatin1PPD, " ~", " ~", " ~"},  // the first and the last character that the device takes
+      {kLatin1PPD, "a\x1F", unknown, "a\x1F"},
+      {kLatin1PPD, "a\x7F", unknown, "a\x7F"},
       {kLatin1PPD, "Ren\xE9", unknown, "Ren\xE9"},
       {kLatin1PPD, "\x81\x40\x81\x40", unknown, "\x81\x40\x81\x40"},
       {kLatin1PPD, Repeat("x", 254), Repeat("x", 254), Repeat("x", 32)},

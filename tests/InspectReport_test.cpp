@@ -241,18 +241,19 @@ TEST(Inspect, ReadsJobsInAnyPieces) {
       {Job(kExit + "@PJL SET RET=ON\n", "%!PS\n"), "%!PS\n\4", 3, 1, 5},
   };
   for (const auto& row : rows) {
-    for (std::size_t cut = 1; cut < row.job.size(); cut++) {
+    for (std::size_t size = 1; size < row.job.size(); size++) {
       std::string document;
       JobParser parser([&](std::string_view bytes) { document += bytes; });
-      parser.feed(std::string_view(row.job).substr(0, cut), nullptr);
-      parser.feed(std::string_view(row.job).substr(cut), nullptr);
+      for (std::size_t at = 0; at < row.job.size(); at += size) {
+        parser.feed(std::string_view(row.job).substr(at, size), nullptr);
+      }
       const JobReport report = parser.finish();
-      EXPECT_EQ(document, row.document) << cut;
-      EXPECT_EQ(report.postScript.bytes, document.size()) << cut;
-      EXPECT_EQ(report.settings.size(), row.settings) << cut;
-      EXPECT_EQ(report.problems.size(), row.problems) << cut;
-      EXPECT_EQ(report.postScript.lastLine, row.lastLine) << cut;
-      EXPECT_TRUE(report.trailer && report.postScript.closed) << cut;
+      EXPECT_EQ(document, row.document) << size;
+      EXPECT_EQ(report.postScript.bytes, document.size()) << size;
+      EXPECT_EQ(report.settings.size(), row.settings) << size;
+      EXPECT_EQ(report.problems.size(), row.problems) << size;
+      EXPECT_EQ(report.postScript.lastLine, row.lastLine) << size;
+      EXPECT_TRUE(report.trailer && report.postScript.closed) << size;
     }
   }
 }

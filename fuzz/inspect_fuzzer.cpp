@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/FuzzSupport.h"
-#include "tools/JobReader.h"
-#include "tools/Reports.h"
-#include "tools/SealedPasswords.h"
+#include "tools/inspect/JobReader.h"
+#include "tools/inspect/Reports.h"
+#include "tools/inspect/SealedPasswords.h"
 
 namespace {
 

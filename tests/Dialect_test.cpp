@@ -8,7 +8,7 @@
 #include "modules/quality/Quality.h"
 #include "modules/specialpages/SpecialPages.h"
 #include "tests/support/SampleJobs.h"
-#include "tools/JobReader.h"
+#include "tools/inspect/JobReader.h"
 
 // The filter's rows, and the lines of features, all in one job: the inspector finds nothing in it
 // that it does not know, neither name nor value nor line end.
@@ -26,7 +26,8 @@ TEST(Dialect, KnowsEveryRowOfTheFiltersTables) {
   for (int i = 1; i < MediaColorXPJLCommValueCount; i += 2) put("EMCC", MediaColorXPJLComm[i]);
   for (int i = 1; i < SidesXPJLCommValueCount; i += 2) put("EMDP", SidesXPJLComm[i]);
   for (const Remark& problem : ReadJob(Job(lines)).problems) {
-    ADD_FAILURE() << "tools/Dialect.def needs this: " << problem.text << ": " << problem.excerpt;
+    ADD_FAILURE() << "tools/dialect/Dialect.def needs this: " << problem.text << ": "
+                  << problem.excerpt;
   }
   EXPECT_GT(std::count(lines.begin(), lines.end(), '\n'), 300);
 }

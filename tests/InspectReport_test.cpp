@@ -8,9 +8,9 @@
 
 #include "tests/support/Password.h"
 #include "tests/support/SampleJobs.h"
-#include "tools/JobReader.h"
-#include "tools/ReportLines.h"
-#include "tools/SealedPasswords.h"
+#include "tools/inspect/JobReader.h"
+#include "tools/inspect/ReportLines.h"
+#include "tools/inspect/SealedPasswords.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "modules/specialpages/SpecialPages.h"
 #include "modules/watermark/Watermark.h"
 #include "tests/support/Patterns.h"
-#include "tools/Dialect.h"
+#include "tools/dialect/Dialect.h"
 
 namespace {
 

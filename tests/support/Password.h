@@ -7,7 +7,7 @@
 
 #include "DeploymentData.h"
 #include "secblobenc/secblobenc.h"
-#include "tools/DeviceBlob.h"
+#include "tools/inspect/DeviceBlob.h"
 
 inline std::string Base64(const std::string& bytes) {
   std::string text((bytes.size() + 2) / 3 * 4, '\0');

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tools/InjectedPostScript.h"
-#include "tools/ReportLines.h"
+#include "tools/inspect/InjectedPostScript.h"
+#include "tools/inspect/ReportLines.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The layers of a blob: header, RSA-OAEP, HMAC, AES.
 
-#include "tools/DeviceBlob.h"
+#include "tools/inspect/DeviceBlob.h"
 
 #include <openssl/crypto.h>
 #include <openssl/pem.h>

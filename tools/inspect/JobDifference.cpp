@@ -6,7 +6,7 @@
 #include <set>
 #include <utility>
 
-#include "tools/ReportLines.h"
+#include "tools/inspect/ReportLines.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "FilterFrame/Source/PostScriptLines.h"
-#include "tools/JobReport.h"
+#include "tools/inspect/JobReport.h"
 
 // How much of the document in front of a token line the search wants to see.
 inline constexpr std::size_t kInjectionReach = 1024;

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/Dialect.h"
-#include "tools/DisplayText.h"
+#include "tools/dialect/Dialect.h"
+#include "tools/dialect/DisplayText.h"
 
 // A line that asks the printer for something.
 struct Setting {

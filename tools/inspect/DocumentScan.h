@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "FilterFrame/Source/PostScriptLines.h"
-#include "tools/InjectedPostScript.h"
-#include "tools/JobReport.h"
+#include "tools/inspect/InjectedPostScript.h"
+#include "tools/inspect/JobReport.h"
 
 // Where something begins in a job.
 struct JobPlace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/Reports.h"
+#include "tools/inspect/Reports.h"
 
 struct ReportLine {
   std::string_view group;  // title

@@ -1,6 +1,6 @@
 // Look-ups in the dialect, and what is derived from the filter's own tables.
 
-#include "tools/Dialect.h"
+#include "tools/dialect/Dialect.h"
 
 #include <algorithm>
 #include <cctype>
@@ -14,7 +14,7 @@
 #include "modules/features/Features.h"
 #include "modules/perfectbind/PerfectBind.h"
 #include "modules/printtype/PrintType.h"
-#include "tools/ByteSearch.h"
+#include "tools/dialect/ByteSearch.h"
 
 namespace {
 
@@ -36,7 +36,7 @@ constexpr DialectRow kRows[] = {
   Row(LineForm::kVariable, code, Group::group, name, __VA_ARGS__),
 #define SUMMARY(code, name, ...) Row(LineForm::kSummary, code, Group::kSummary, name, __VA_ARGS__),
 #define COMMAND(code, name, ...) Row(LineForm::kCommand, code, Group::kFrame, name, __VA_ARGS__),
-#include "tools/Dialect.def"
+#include "tools/dialect/Dialect.def"
 #undef COMMAND
 #undef SUMMARY
 #undef VARIABLE

@@ -1,12 +1,12 @@
 // The layers of a blob that show without the key, and what the key shows.
 
-#include "tools/SealedPasswords.h"
+#include "tools/inspect/SealedPasswords.h"
 
 #include <openssl/crypto.h>
 
 #include <iterator>
 
-#include "tools/DeviceBlob.h"
+#include "tools/inspect/DeviceBlob.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "FilterFrame/Source/PostScriptLines.h"
-#include "tools/ByteSearch.h"
-#include "tools/DocumentScan.h"
-#include "tools/JobReport.h"
+#include "tools/dialect/ByteSearch.h"
+#include "tools/inspect/DocumentScan.h"
+#include "tools/inspect/JobReport.h"
 
 // Receives the document's bytes in their order.
 using PostScriptSink = std::function<void(std::string_view bytes)>;

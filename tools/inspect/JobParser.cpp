@@ -1,12 +1,12 @@
 // The states of reading a job, and what can be wrong in each.
 
-#include "tools/JobParser.h"
+#include "tools/inspect/JobParser.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "FilterFrame/Source/PostScriptStream.h"
-#include "tools/LibraryMessages.h"
+#include "tools/inspect/LibraryMessages.h"
 
 namespace {
 

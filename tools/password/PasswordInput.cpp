@@ -1,6 +1,6 @@
 // The terminal's echo, and the signals that must not leave it switched off.
 
-#include "tools/PasswordInput.h"
+#include "tools/password/PasswordInput.h"
 
 #include <sys/select.h>
 #include <termios.h>

@@ -1,9 +1,9 @@
 // Settings and facts turned into words.
 
-#include "tools/ReportLines.h"
+#include "tools/inspect/ReportLines.h"
 
-#include "tools/Dialect.h"
-#include "tools/InjectedPostScript.h"
+#include "tools/dialect/Dialect.h"
+#include "tools/inspect/InjectedPostScript.h"
 
 namespace {
 

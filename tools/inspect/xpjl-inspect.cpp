@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/DeviceBlob.h"
-#include "tools/JobReader.h"
-#include "tools/PageImages.h"
-#include "tools/Reports.h"
-#include "tools/SealedPasswords.h"
-#include "tools/ToolVersion.h"
+#include "tools/dialect/ToolVersion.h"
+#include "tools/inspect/DeviceBlob.h"
+#include "tools/inspect/JobReader.h"
+#include "tools/inspect/PageImages.h"
+#include "tools/inspect/Reports.h"
+#include "tools/inspect/SealedPasswords.h"
 
 namespace {
 

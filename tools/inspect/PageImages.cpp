@@ -1,6 +1,6 @@
 // Ghostscript as a child process: the document through a pipe, its messages into a file.
 
-#include "tools/PageImages.h"
+#include "tools/inspect/PageImages.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -15,7 +15,7 @@
 #include <system_error>
 #include <vector>
 
-#include "tools/DisplayText.h"
+#include "tools/dialect/DisplayText.h"
 
 // macOS's headers leave it to the program.
 extern char** environ;  // NOLINT(readability-redundant-declaration)

@@ -1,6 +1,6 @@
 // Files through the line scanner into the parser.
 
-#include "tools/JobReader.h"
+#include "tools/inspect/JobReader.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/ReportLines.h"
+#include "tools/inspect/ReportLines.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tools/JobReport.h"
+#include "tools/inspect/JobReport.h"
 
 struct ReportWishes {
   bool showPasswords = false;

@@ -1,6 +1,6 @@
 // Escaping and hiding.
 
-#include "tools/DisplayText.h"
+#include "tools/dialect/DisplayText.h"
 
 #include <utf8.h>
 
@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <iterator>
 
-#include "tools/Dialect.h"
+#include "tools/dialect/Dialect.h"
 
 namespace {
 

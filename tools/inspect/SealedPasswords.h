@@ -4,7 +4,7 @@
 
 #include <openssl/evp.h>
 
-#include "tools/JobReport.h"
+#include "tools/inspect/JobReport.h"
 
 // Describes each sealed password in `report`, and notes those that no device can open as problems.
 // With `key`, the device's private one, each is opened and kept in its setting.

@@ -1,12 +1,12 @@
 // The messages by their numbers.
 
-#include "tools/LibraryMessages.h"
+#include "tools/inspect/LibraryMessages.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
-#include "tools/ByteSearch.h"
+#include "tools/dialect/ByteSearch.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "tools/JobParser.h"
+#include "tools/inspect/JobParser.h"
 
 // Reads the job that `fd` stands at the beginning of; `sink` receives its document.
 JobReport ReadJob(int fd, const PostScriptSink& sink = {});

@@ -1,6 +1,6 @@
 // The insertions, as the watermark and finishing modules write them.
 
-#include "tools/InjectedPostScript.h"
+#include "tools/inspect/InjectedPostScript.h"
 
 #include <algorithm>
 #include <iterator>

@@ -10,8 +10,8 @@
 
 #include "DeploymentData.h"
 #include "secblobenc/secblobenc.h"
-#include "tools/PasswordInput.h"
-#include "tools/ToolVersion.h"
+#include "tools/dialect/ToolVersion.h"
+#include "tools/password/PasswordInput.h"
 
 namespace {
 

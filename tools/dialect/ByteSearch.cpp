@@ -1,6 +1,6 @@
 // The searches.
 
-#include "tools/ByteSearch.h"
+#include "tools/dialect/ByteSearch.h"
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 // Pages and insertions, as the token lines come.
 
-#include "tools/DocumentScan.h"
+#include "tools/inspect/DocumentScan.h"
 
 #include <algorithm>
 
-#include "tools/ByteSearch.h"
+#include "tools/dialect/ByteSearch.h"
 
 namespace {
 

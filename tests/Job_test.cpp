@@ -1,13 +1,19 @@
 // Whole jobs, as CUPS starts them and as the printer receives them.
 
 #include <gtest/gtest.h>
+#include <openssl/evp.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
+#include <vector>
 
+#include "DeploymentData.h"
+#include "secblobenc/secblobenc-key-decoder.h"
 #include "tests/support/FilterProcess.h"
 #include "tests/support/Tickets.h"
 
@@ -163,6 +169,30 @@ TEST(Job, WithTooFewArgumentsSaysHowItIsUsed) {
     EXPECT_EQ(result.messages, "Usage: pstoxpjl job-id user title copies options [file]\n");
     EXPECT_EQ(result.exitStatus, 1);
   }
+}
+
+// The key's identifier is the fingerprint of its bytes, in hexadecimal digits.
+TEST(Job, SaysItsVersionAndForWhichKeysItSeals) {
+  const std::vector<unsigned char> key = SecBlobEnc_Decode_Key(RSA_PUBKEY_2048_OFFICIAL);
+  unsigned char digest[32];
+  ASSERT_TRUE(EVP_Q_digest(nullptr, "SHA256", nullptr, key.data(), key.size(), digest, nullptr));
+  std::string identifier;
+  for (unsigned char byte : digest) {
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%02x", byte);
+    identifier += digits;
+  }
+  FilterJob job;
+  job.arguments = {"--version"};
+  const FilterResult result = RunFilter(job);
+  const std::string keys = "2048-bit key: " + identifier + "\n3072-bit key: [0-9a-f]{64}\n";
+  EXPECT_TRUE(std::regex_match(
+      result.output,
+      std::regex("pstoxpjl [0-9]+\\.[0-9]+\\.[0-9]+\nDeployment: .+\n" + keys + "(.*\n)?")));
+  EXPECT_EQ(result.output.find("public demonstration key") != std::string::npos,
+            deploymentIsDemonstration);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(result.exitStatus, 0);
 }
 
 TEST(Job, SampleGoesThroughUnchanged) {

@@ -16,6 +16,7 @@
 #include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "deployment/DeploymentInfo.h"
 #include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
 
@@ -27,6 +28,11 @@ constexpr std::size_t kOutputBufferSize = 8 * 1024;
 int Usage() {
   std::fputs("Usage: pstoxpjl job-id user title copies options [file]\n", stderr);
   return 1;
+}
+
+int Version() {
+  const bool written = std::fputs(VersionText("pstoxpjl").c_str(), stdout) >= 0;
+  return written && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 // Takes closed standard descriptors, each in the direction that makes its use fail, so that no file
@@ -73,6 +79,7 @@ void FinishOutput() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  if (argc == 2 && std::strcmp(argv[1], "--version") == 0) return Version();
   if (argc < kFewestArguments) return Usage();
   OccupyStandardDescriptors();
   BufferOutput();

@@ -2,6 +2,9 @@
 
 set(DEPLOYMENT_IS_DEMONSTRATION ON)
 
+# What the programs call the deployment when they are asked for their version.
+set(DEPLOYMENT_NAME demonstration)
+
 # PEM files (SubjectPublicKeyInfo) beside this one.
 set(DEPLOYMENT_PUBLIC_KEY_2048 device-2048.pem)
 set(DEPLOYMENT_PUBLIC_KEY_3072 device-3072.pem)

@@ -1,9 +1,30 @@
-// The four fan-outs through which the filter frame reaches every feature module. Each calls the
-// modules in the system's order; a module joins by adding its function to the lists in the source.
+// Where the modules are registered, and the four fan-outs through which the filter frame reaches
+// them. Whoever needs a list of modules, tickets or rows derives it from Modules().
 
 #pragma once
 
 #include <cstdio>
+#include <span>
+
+#include "engine/TicketStore.h"
+
+// A ticket table in its two forms; one without user text has the same rows in both.
+struct TicketTable {
+  std::span<const TicketData> latin1;
+  std::span<const TicketData> utf8;
+};
+
+struct Module {
+  const char* name;                      // of its folder in modules/
+  void (*getTickets)(char* args[]);      // ticket intake
+  void (*bindRows)();                    // null: it has no rows to bind
+  void (*outputHeader)(char* args[]);    // null: its lines have a place of their own in the header
+  std::span<const TicketTable> tickets;  // what it reads
+  std::span<const char* const> numberedTickets;  // prefixes of keys that end in 0, 1, 2 and so on
+};
+
+// Every module that reads tickets, in the order of the ticket intake.
+std::span<const Module> Modules();
 
 // Ticket intake of every module, from the filter's argument vector. Returns 1.
 int GetTicketFromPDE(char* args[]);

@@ -24,6 +24,8 @@ inline constexpr char kSPXPInsertionValueKey[] = TICKET_KEY("XPIFInsertionValueT
 inline constexpr char kSPXPExceptionCountKey[] = TICKET_KEY("XPIFExceptionCountTicket");
 inline constexpr char kSPXPExceptionValueKey[] = TICKET_KEY("XPIFExceptionValueTicket_");
 inline constexpr char kSPViewTicketKey[] = TICKET_KEY("XPIFCommandTicket_");
+inline constexpr const char* kSpecialPageNumberedKeys[] = {
+    kSPXPCoverValueKey, kSPXPInsertionValueKey, kSPXPExceptionValueKey, kSPViewTicketKey};
 
 inline constexpr std::int32_t SpecialPageTicketDataNum = 3;
 extern const TicketData SpecialPageTicketData[SpecialPageTicketDataNum];

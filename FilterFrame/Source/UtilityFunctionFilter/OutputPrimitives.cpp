@@ -2,6 +2,9 @@
 
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 
@@ -10,6 +13,22 @@
 namespace {
 
 int firstOutputError = 0;
+std::string* captured = nullptr;
+
+// Turns `fd` to /dev/null and gives a descriptor by which it can be turned back; -1 when it cannot.
+int Silence(int fd) {
+  const int saved = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (saved >= 0 && nowhere >= 0) dup2(nowhere, fd);
+  if (nowhere >= 0) close(nowhere);
+  return saved;
+}
+
+void Restore(int fd, int saved) {
+  if (saved < 0) return;
+  dup2(saved, fd);
+  close(saved);
+}
 
 void NoteResult(std::FILE* stream, bool written) {
   if (!written && stream == stdout && firstOutputError == 0) firstOutputError = errno;
@@ -18,6 +37,10 @@ void NoteResult(std::FILE* stream, bool written) {
 }  // namespace
 
 void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream) {
+  if (captured != nullptr && stream == stdout) {
+    captured->append(static_cast<const char*>(buf), size * count);
+    return;
+  }
   if (gJobFilefp != nullptr) std::fwrite(buf, size, count, gJobFilefp);
   WriteUncopied(buf, size, count, stream);
 }
@@ -31,6 +54,10 @@ void ZRfputs(const char* str, std::FILE* stream) {
 }
 
 void ZRfputc(int c, std::FILE* stream) {
+  if (captured != nullptr && stream == stdout) {
+    captured->push_back(static_cast<char>(c));
+    return;
+  }
   if (gJobFilefp != nullptr) std::fputc(c, gJobFilefp);
   NoteResult(stream, std::fputc(c, stream) != EOF);
 }
@@ -52,4 +79,18 @@ void FlushOutput(std::FILE* stream) {
 
 int FirstOutputError() {
   return firstOutputError;
+}
+
+OutputCapture::OutputCapture(std::string& text) {
+  std::fflush(stdout);
+  savedOutput_ = Silence(STDOUT_FILENO);
+  savedError_ = Silence(STDERR_FILENO);
+  captured = &text;
+}
+
+OutputCapture::~OutputCapture() {
+  captured = nullptr;
+  std::fflush(stdout);
+  Restore(STDOUT_FILENO, savedOutput_);
+  Restore(STDERR_FILENO, savedError_);
 }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <string>
 
 // Writes `count` elements of `size` bytes each.
 void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream);
@@ -31,3 +32,18 @@ void FlushOutput(std::FILE* stream);
 
 // The errno of the first write to standard output that failed, 0 when none did.
 int FirstOutputError();
+
+// While one lives, what is written to standard output is kept in `text` instead: neither the
+// printer nor the job copy gets it. So a header can be looked at before it is printed. What
+// libraries print on standard output and standard error in the meantime goes nowhere.
+class OutputCapture {
+ public:
+  explicit OutputCapture(std::string& text);
+  ~OutputCapture();
+  OutputCapture(const OutputCapture&) = delete;
+  OutputCapture& operator=(const OutputCapture&) = delete;
+
+ private:
+  int savedOutput_;
+  int savedError_;
+};

@@ -19,9 +19,10 @@
 
 namespace {
 
-constexpr int kTextSize = 1024;       // a ticket's text, with its terminator
-constexpr int kBlobSize = 2000;       // a secure blob
-constexpr int kCredentialSize = 255;  // an opened credential
+constexpr int kTextSize = 1024;                // a ticket's text, with its terminator
+constexpr int kBlobSize = 2000;                // a secure blob
+constexpr std::size_t kUnsealedLength = 1920;  // of a blob that was not sealed: fits its line
+constexpr int kCredentialSize = 255;           // an opened credential
 
 constexpr char kLayoutRowsKey[] = "com.apple.print.PrintSettings.PMLayoutRows..n.";
 constexpr char kLayoutColumnsKey[] = "com.apple.print.PrintSettings.PMLayoutColumns..n.";
@@ -197,6 +198,8 @@ int GetTicketPasswordStringConvertedToEncryption(const char* key, int numOptions
   }
   char sealed[(kBlobSize + 2) / 3 * 4 + 1] = {};
   if (SecBlobEnc_Base64_Encode(blob, blobLength, sealed) < 1) return 0;
+  // No device opens a blob of zeros: what was to be held stays shut, and is not printed.
+  if (result != 0) sealed[kUnsealedLength] = '\0';
   CopyBounded(text, static_cast<std::size_t>(size), sealed);
   return 1;
 }

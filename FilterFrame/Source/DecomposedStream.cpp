@@ -237,6 +237,7 @@ void CopyBack(int fd) {
     if (piece.token->endsPage) FlushOutput(stdout);
     if (piece.token->pollsCancel && CancelJob == 1) return;
   }
+  ReportReadError(lines);
 }
 
 enum class SpoolResult { kDone, kCancelled, kFailed };
@@ -244,6 +245,7 @@ enum class SpoolResult { kDone, kCancelled, kFailed };
 SpoolResult Spool(int inputFd, std::FILE* spool, char* argv[]) {
   PostScriptLines lines(inputFd, {.prefix = kFeatureMarker, .holdLastByte = true});
   if (SpoolLines(lines, spool, argv)) {
+    ReportReadError(lines);
     EndSpool(lines.lastByte(), spool);
     std::fflush(spool);
   } else if (CancelJob == 1) {
@@ -272,7 +274,10 @@ void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]) {
 
   const SpoolResult result = Spool(input.fd(), spool.get(), argv);
   if (result == SpoolResult::kFailed) return GiveUpSpool();
-  if (result == SpoolResult::kCancelled) return;
+  if (result == SpoolResult::kCancelled) {
+    if (CancelJobByUser == 1) unlink(PPDPJLOutFilePath);
+    return;
+  }
   spool.reset();
 
   OutputXPJLCommandFromArray(argv, prtFmtTableEnterPS, numFmtTableEnterPS);

@@ -17,8 +17,8 @@ extern const char* const CPRCommand[];
 extern const char* const TRCSCRCommand[];
 
 // The whole mode. With `argc` 7 the job comes from the file argv[6], otherwise from standard input.
-// A job that cannot be opened or spooled writes nothing here; a job cancelled while it is spooled
-// leaves the spool file behind.
+// A job that cannot be opened or spooled writes nothing here; a job that CUPS cancels while it is
+// spooled leaves the spool file behind.
 void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]);
 
 // A copy of text[first..last], both included; empty when `last` is before `first`. What lies

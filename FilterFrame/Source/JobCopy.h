@@ -9,7 +9,8 @@ inline constexpr char FlagPath[] = "/Library/Printers/\"Zelva\"\"/jobcopy\"";
 inline constexpr char JobFileNamePath[] = "/private/tmp/\"zlv\"\"%s.job\"";
 
 // Opens gJobFilefp when the flag file exists: ff<timestamp>.job in TMPDIR, or the older name. A
-// copy that cannot be created is done without.
+// copy that cannot be created is done without, and so is one whose name others have taken: by a
+// link, or by anything but an ordinary file.
 void OpenJobCopy();
 
 // Closes the job copy, if there is one, and sets its mode.

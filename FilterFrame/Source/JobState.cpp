@@ -27,4 +27,5 @@ char IPAddressStr[46];
 std::FILE* gJobFilefp = nullptr;
 
 volatile std::sig_atomic_t CancelJob = 0;
+volatile std::sig_atomic_t CancelJobByUser = 0;
 volatile std::sig_atomic_t CancelJobForPipe = 0;

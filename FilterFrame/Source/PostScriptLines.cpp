@@ -6,6 +6,7 @@
 
 #include "FilterFrame/Source/PostScriptLines.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -155,13 +156,23 @@ bool PostScriptLines::refill() {
   end_ -= shift;
   scan_ -= shift;
 
-  ssize_t count = 0;
-  do {
-    count = read(fd_, begin_ + held, kBlockSize - held);
-  } while (count < 0 && errno == EINTR);
+  const long count = readWaiting(begin_ + held, kBlockSize - held);
   if (count <= 0) return false;
   end_ = begin_ + held + count;
   heldBack_ = wishes_.holdLastByte ? 1 : 0;
   end_ -= heldBack_;
   return true;
+}
+
+// As read(), but goes on after signals and waits for input that is only not there yet.
+long PostScriptLines::readWaiting(char* block, std::size_t size) {
+  for (;;) {
+    const ssize_t count = read(fd_, block, size);
+    if (count >= 0) return count;
+    pollfd input = {fd_, POLLIN, 0};
+    if (errno == EAGAIN && poll(&input, 1, -1) >= 0) continue;
+    if (errno == EINTR) continue;
+    readError_ = errno;
+    return -1;
+  }
 }

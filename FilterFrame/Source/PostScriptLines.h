@@ -51,7 +51,7 @@ class PostScriptLines {
     bool holdLastByte = false;  // the job's last byte is not part of it: see lastByte()
   };
 
-  // `fd` stays the caller's.
+  // `fd` stays the caller's. One that does not block is waited for.
   explicit PostScriptLines(int fd) : PostScriptLines(fd, Wishes{}) {}
   PostScriptLines(int fd, Wishes wishes);
 
@@ -64,6 +64,9 @@ class PostScriptLines {
   // The next piece of the job; false at its end or when reading fails.
   bool next(Piece& piece);
 
+  // The error number of a read that failed, which ended the job; 0 when there was none.
+  int readError() const { return readError_; }
+
   // The last byte of the job that was held back, empty when there was none. Known when next() has
   // returned false.
   std::string_view lastByte() const { return {end_, heldBack_}; }
@@ -74,6 +77,7 @@ class PostScriptLines {
             bool hasPrefix = false);
   const char* endOfFinished() const;
   bool refill();
+  long readWaiting(char* block, std::size_t size);
 
   static constexpr std::size_t kBlockSize = 64 * 1024;
 
@@ -82,6 +86,7 @@ class PostScriptLines {
   std::unique_ptr<char[]> buffer_;  // one byte, the last one passed on, and the block behind it
   char* begin_;                     // first byte not yet passed on
   char* end_;                       // behind the last byte that may be passed on
-  std::size_t heldBack_ = 0;        // bytes read behind end_: 0 or 1
-  const char* scan_;                // no token line begins between begin_ and here
+  int readError_ = 0;
+  std::size_t heldBack_ = 0;  // bytes read behind end_: 0 or 1
+  const char* scan_;          // no token line begins between begin_ and here
 };

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstring>
 
 #include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
@@ -46,7 +47,13 @@ void OutputPSStream(int argc, char* argv[]) {
       return;
     }
   }
+  ReportReadError(lines);
   ZRfputc(kEndOfTransmission, stdout);
+}
+
+void ReportReadError(const PostScriptLines& lines) {
+  if (lines.readError() == 0) return;
+  std::fprintf(stderr, "ERROR: Unable to read print data: %s\n", std::strerror(lines.readError()));
 }
 
 bool OutputTokenLine(const PostScriptToken& token, std::string_view line, StreamPosition& position,

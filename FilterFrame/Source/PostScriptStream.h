@@ -13,6 +13,9 @@
 // cancelled job ends without the byte 4.
 void OutputPSStream(int argc, char* argv[]);
 
+// Says on standard error why reading ended before the end of the input, if it did.
+void ReportReadError(const PostScriptLines& lines);
+
 // The job's input: a file of its own, or standard input when `path` is null.
 class JobInput {
  public:

@@ -53,6 +53,12 @@ void SignalHandler(int /*signal*/) {
   CancelJob = 1;
 }
 
+// From a terminal or a script, not from CUPS.
+void SignalUserHandler(int /*signal*/) {
+  CancelJob = 1;
+  CancelJobByUser = 1;
+}
+
 void SignalPipeHandler(int /*signal*/) {
   CancelJobForPipe = 1;
 }
@@ -64,6 +70,17 @@ void InstallHandler(int signal, void (*handler)(int)) {
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
   sigaction(signal, &action, nullptr);
+}
+
+void InstallHandlers() {
+  InstallHandler(SIGTERM, SignalHandler);
+  InstallHandler(SIGPIPE, SignalPipeHandler);
+  for (const int signal : {SIGINT, SIGHUP}) {
+    struct sigaction inherited = {};
+    sigaction(signal, nullptr, &inherited);
+    if (inherited.sa_handler != SIG_IGN) InstallHandler(signal, SignalUserHandler);  // nohup
+  }
+  InstallHandler(SIGXFSZ, SIG_IGN);  // a limit of the file's size is a write error like others
 }
 
 // Hands on the rest of the job. What could not be written is said once; a closed pipe is no news
@@ -85,8 +102,7 @@ int main(int argc, char* argv[]) {
   BufferOutput();
 
   ReadUserName(argv[2]);
-  InstallHandler(SIGTERM, SignalHandler);
-  InstallHandler(SIGPIPE, SignalPipeHandler);
+  InstallHandlers();
   InvalidateStdUserName();
   ReadDocumentName(argv);
 

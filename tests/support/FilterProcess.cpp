@@ -60,6 +60,7 @@ FilterProcess::FilterProcess(const FilterJob& job) {
   arguments.insert(arguments.end(), job.arguments.begin(), job.arguments.end());
   std::vector<std::string> environment = {"PATH=/usr/bin:/bin"};
   for (const auto& [name, value] : job.environment) environment.push_back(name + "=" + value);
+  if (job.inputDoesNotBlock) fcntl(input.ends[0], F_SETFL, O_NONBLOCK);
   const std::vector<char*> argv = Pointers(arguments);
   const std::vector<char*> envp = Pointers(environment);
 

@@ -13,7 +13,8 @@ struct FilterJob {
   std::map<std::string, std::string> environment;  // besides a PATH
   std::string input;                               // standard input
   std::vector<std::string> under;  // a program with its arguments that runs the filter
-  int outputPacket = 0;            // standard output refuses writes well above so many bytes
+  bool inputDoesNotBlock = false;
+  int outputPacket = 0;  // standard output refuses writes well above so many bytes
 
   void afterShell(const std::string& commands);  // the filter inherits what these commands set
 };

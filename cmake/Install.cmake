@@ -59,7 +59,8 @@ foreach(section 1 8)
 endforeach()
 
 # CUPS would list every model twice if it found both the PPDs and the file they are made of.
-install(FILES ppd/zelva.drv DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+file(GLOB driver_information CONFIGURE_DEPENDS ppd/*.drv ppd/*.defs)
+install(FILES ${driver_information} DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png")

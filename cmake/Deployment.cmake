@@ -146,9 +146,11 @@ function(read_deployment)
     "${PROJECT_BINARY_DIR}/generated/DeploymentData.h" @ONLY)
 
   if(DEPLOYMENT_IS_DEMONSTRATION)
-    message(NOTICE "** Building with the DEMONSTRATION deployment ${PSTOXPJL_DEPLOYMENT}.\n"
-      "** Its keys and seeds are public and fit no real device. For real devices set "
-      "-DPSTOXPJL_DEPLOYMENT=<folder>.")
+    string(CONCAT notice "** This build is for the DEMONSTRATION deployment. Its keys and seeds are "
+      "public:\n** no real device opens the passwords it seals, and everybody else can.\n"
+      "** For real devices configure with -DPSTOXPJL_DEPLOYMENT=<folder>.")
+    message(NOTICE "${notice}")
+    set(PSTOXPJL_DEPLOYMENT_NOTICE "${notice}" PARENT_SCOPE)
   else()
     message(STATUS "Deployment: ${PSTOXPJL_DEPLOYMENT}")
   endif()

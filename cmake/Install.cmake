@@ -61,11 +61,16 @@ endforeach()
 # CUPS would list every model twice if it found both the PPDs and the file they are made of.
 file(GLOB driver_information CONFIGURE_DEPENDS ppd/*.drv ppd/*.defs)
 install(FILES ${driver_information} DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
-install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
 install(FILES deployment/demo/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/deployment/demo)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT license)
+
+# Behind everything else that an installation prints.
+if(PSTOXPJL_DEPLOYMENT_NOTICE)
+  install(CODE "message(NOTICE [[${PSTOXPJL_DEPLOYMENT_NOTICE}]])")
+endif()
 
 configure_file("${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake.in"
   "${PROJECT_BINARY_DIR}/Uninstall.cmake" @ONLY)

@@ -13,6 +13,12 @@ perfect binding, special pages and watermarks.
 The package also holds xpjl-inspect, which says in words what a job asks
 a printer to do, and xpjl-password, which prepares a password for use in
 job options.")
+if(PSTOXPJL_DEPLOYMENT_IS_DEMONSTRATION)
+  string(APPEND CPACK_PACKAGE_DESCRIPTION "
+.
+This build is for demonstration: it seals passwords for a public key. No
+real device opens them, and everybody else can.")
+endif()
 set(CPACK_STRIP_FILES ON)
 # CUPS's folders are absolute; they and the prefix are staged below the package's own root.
 set(CPACK_SET_DESTDIR ON)

@@ -4,20 +4,20 @@
 
 #include <cups/cups.h>
 
-// Owns a parsed option list. Takes the options text; null counts as empty.
+#include <memory>
+
+// A parsed option list. Takes the options text; null counts as empty. The same text is not parsed
+// again: libcups keeps its list in order while it grows, which is slow for a text of many options.
 class JobOptions {
  public:
   explicit JobOptions(const char* text);
-  ~JobOptions();
-  JobOptions(const JobOptions&) = delete;
-  JobOptions& operator=(const JobOptions&) = delete;
 
-  int count() const { return count_; }
-  cups_option_t* list() const { return list_; }
+  int count() const;
+  cups_option_t* list() const;
 
  private:
-  cups_option_t* list_ = nullptr;
-  int count_ = 0;
+  struct Parsed;
+  std::shared_ptr<const Parsed> parsed_;
 };
 
 // A decimal integer as the C library reads it (blanks, sign, leading digits; none give 0). What

@@ -32,8 +32,9 @@ class Install(unittest.TestCase):
     """Also stages the files for the other tests."""
 
     def cmake(self, *arguments):
-        subprocess.run([os.environ["CMAKE"], *arguments], check=True, stdout=subprocess.DEVNULL,
-                       env={**os.environ, "DESTDIR": str(STAGE)}, umask=0o077)
+        return subprocess.run([os.environ["CMAKE"], *arguments], check=True, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE, text=True, umask=0o077,
+                              env={**os.environ, "DESTDIR": str(STAGE)}).stderr
 
     def test_puts_files_where_CUPS_takes_them_and_removes_them(self):
         shutil.rmtree(STAGE, ignore_errors=True)
@@ -45,7 +46,8 @@ class Install(unittest.TestCase):
         self.cmake(f"-DMANIFEST={BUILD}/install_manifest_runtime.txt", "-P", BUILD / "Uninstall.cmake")
         self.assertEqual([path for path in STAGE.rglob("*") if not path.is_dir()], [])
         self.assertEqual([PPD_DIR.exists(), FILTER.parent.exists()], [False, True])
-        self.cmake(*install)
+        notice = self.cmake(*install)
+        self.assertEqual("DEMONSTRATION" in notice, os.environ["DEVICE_KEY"] != "")
 
 
 class Queue(unittest.TestCase):

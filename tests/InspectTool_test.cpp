@@ -83,30 +83,6 @@ TEST(InspectTool, ComparesTwoJobs) {
   EXPECT_EQ(Inspect({"--diff", two, three}).output, "Special pages\n  Insert after page: 2 -> 3\n");
 }
 
-TEST(InspectTool, RendersPages) {
-  ScratchFolder folder;
-  const std::string plain = folder.write("plain", FilteredJob(""));
-  folder.write("stamped", FilteredJob(kWatermark));
-  for (const char* name : {"plain", "stamped"}) {
-    const ToolResult result = Inspect(
-        {folder.path() + "/" + name, "--png", folder.path() + "/50%d " + name, "--dpi", "20"});
-    ASSERT_EQ(result.status, 0) << result.messages;
-  }
-  for (const char* page : {"/page-001.png", "/page-004.png"}) {
-    const std::string before = FileContent(folder.path() + "/50%d plain" + page);
-    EXPECT_TRUE(before.starts_with("\x89PNG"));
-    EXPECT_NE(before, FileContent(folder.path() + "/50%d stamped" + page));
-  }
-  const ToolResult missing =
-      RunTool(INSPECT_BINARY, {plain, "--png", folder.path()}, "", "/nowhere");
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_TRUE(Contains(missing.messages, "Ghostscript (gs) was not found"));
-  const std::string broken = folder.write("broken", Job("", "%!PS\n(no end\n"));
-  const ToolResult refused = Inspect({broken, "--png", folder.path()});
-  EXPECT_EQ(refused.status, 1);
-  EXPECT_TRUE(Contains(refused.messages, "does not like the document: Error: /syntaxerror"));
-}
-
 TEST(InspectTool, KeepsItsManners) {
   ScratchFolder folder;
   const std::string good = folder.write("good", Job(""));

@@ -18,13 +18,13 @@ struct ToolResult {
   int status = -1;  // -1: died by a signal
 };
 
-// `path` becomes the tool's only environment variable. Arguments hold no apostrophes.
+// `environment` holds the tool's only variables, as a shell's words. Arguments hold no apostrophes.
 inline ToolResult RunTool(const std::string& binary, const std::vector<std::string>& arguments,
                           const std::string& input = "",
-                          const std::string& path = "/usr/bin:/bin") {
+                          const std::string& environment = "PATH=/usr/bin:/bin") {
   const ScratchFolder folder;
   const std::string output = folder.path() + "/output", messages = folder.path() + "/messages";
-  std::string command = "exec env -i PATH=" + path + " '" + binary + "'";
+  std::string command = "exec env -i " + environment + " '" + binary + "'";
   for (const std::string& argument : arguments) command += " '" + argument + "'";
   command += " <" + folder.write("input", input) + " >" + output + " 2>" + messages;
   const int status = std::system(command.c_str());

@@ -2,16 +2,18 @@
 
 #pragma once
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "tools/inspect/GhostscriptProcess.h"
+#include "tools/inspect/PictureFiles.h"
+
 class PageImages {
  public:
-  // Starts Ghostscript, which writes page-001.png, page-002.png, ... into `folder`; makes the
-  // folder when there is none. error() says why it did not start.
-  PageImages(const std::string& folder, int dotsPerInch);
+  // Starts Ghostscript; its pages become page-001.png, page-002.png, ... in `folder`, which is made
+  // when there is none. error() says why it did not start.
+  PageImages(const std::string& folder, int dotsPerInch, RenderLimits limits);
   ~PageImages();
   PageImages(const PageImages&) = delete;
   PageImages& operator=(const PageImages&) = delete;
@@ -19,17 +21,17 @@ class PageImages {
   // The document's bytes in their order.
   void write(std::string_view bytes);
 
-  // Waits for the pictures. False: error() says what Ghostscript did not like.
+  // Waits for the pictures. False: error() says what went wrong.
   bool finish();
 
   const std::string& error() const { return error_; }
 
- private:
-  void start(const std::string& folder, int dotsPerInch);
-  std::string complaint();
+  // The first line that Ghostscript or the document printed; may be empty.
+  std::string firstMessage() const;
 
-  pid_t pid_ = -1;
-  int input_ = -1;     // Ghostscript's, to be written
-  int messages_ = -1;  // a file with what it printed
-  std::string error_;
+ private:
+  std::string error_;  // first: opening the folder sets it
+  int folder_ = -1;
+  std::unique_ptr<PictureFiles> files_;
+  std::unique_ptr<GhostscriptProcess> ghostscript_;
 };

@@ -13,7 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/dialect/ToolVersion.h"
+#include "deployment/DeploymentInfo.h"
+#include "tools/dialect/StandardDescriptors.h"
 #include "tools/inspect/DeviceBlob.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/PageImages.h"
@@ -34,6 +35,7 @@ struct Wishes {
   std::string deviceKey;
   std::string pngFolder;
   int dotsPerInch = 100;
+  RenderLimits limits;
 };
 
 int Complain(int status, const std::string& what) {
@@ -90,17 +92,28 @@ bool Put(const std::string& text) {
   return false;
 }
 
+// What came of rendering the document.
+void AddRendering(PageImages& images, JobReport& report) {
+  const bool rendered = images.finish();
+  if (!rendered) report.problems.push_back({0, images.error(), {}});
+  const std::string message = images.firstMessage();
+  if (rendered && !message.empty()) {
+    report.notes.push_back({0, "Rendering the document, Ghostscript said", message});
+  }
+}
+
 int Inspect(const Wishes& wishes, EVP_PKEY* key) {
   const std::string& name = wishes.jobs[0];
   std::unique_ptr<PageImages> images;
   if (!wishes.pngFolder.empty()) {
-    images = std::make_unique<PageImages>(wishes.pngFolder, wishes.dotsPerInch);
+    images = std::make_unique<PageImages>(wishes.pngFolder, wishes.dotsPerInch, wishes.limits);
     if (!images->error().empty()) return Complain(kBadData, images->error());
   }
   PostScriptSink sink;
   if (images) sink = [&](std::string_view bytes) { images->write(bytes); };
   auto report = Read(name, key, sink);
   if (!report) return kBadData;
+  if (images) AddRendering(*images, *report);
 
   const ReportWishes shown = {.showPasswords = wishes.showPasswords};
   const bool written =
@@ -110,7 +123,6 @@ int Inspect(const Wishes& wishes, EVP_PKEY* key) {
   if (!report->problems.empty()) {
     status = Complain(kBadData, Shown(name) + ": " + FirstProblem(*report));
   }
-  if (images && !images->finish()) status = Complain(kBadData, images->error());
   return status;
 }
 
@@ -138,7 +150,7 @@ void Declare(CLI::App& app, Wishes& wishes) {
   app.footer(
       "Exit status: 0 nothing wrong, 1 something is wrong with the job or it cannot be read,\n"
       "2 wrong usage. With --diff: 0 no difference, 1 otherwise.");
-  app.set_version_flag("--version", std::string("xpjl-inspect ") + kToolVersion);
+  app.set_version_flag("--version", VersionText("xpjl-inspect"));
   app.add_option("JOB", wishes.jobs, "The job; - for standard input. Two of them with --diff")
       ->required();
   app.add_flag("--diff", wishes.diff, "Say what the second job asks differently from the first");
@@ -150,6 +162,16 @@ void Declare(CLI::App& app, Wishes& wishes) {
       ->check(CLI::Range(10, 1200))
       ->option_text("N")
       ->needs(images);
+  const auto limit = [&](const char* name, int& value, const char* what) {
+    app.add_option(name, value, std::string(what) + "; else " + std::to_string(value))
+        ->check(CLI::Range(1, 1'000'000))
+        ->option_text("N")
+        ->needs(images);
+  };
+  limit("--limit-cpu", wishes.limits.cpuSeconds, "Seconds of processor time for rendering");
+  limit("--limit-time", wishes.limits.seconds, "Seconds by the clock for rendering");
+  limit("--limit-memory", wishes.limits.memoryMegabytes, "Megabytes of memory for rendering");
+  limit("--limit-output", wishes.limits.outputMegabytes, "Megabytes for all pictures");
   app.add_option("--device-key", wishes.deviceKey,
                  "Open sealed passwords with the device's private key, a PEM file")
       ->option_text("FILE");
@@ -195,6 +217,7 @@ int Run(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) try {
+  OccupyStandardDescriptors();
   return Run(argc, argv);
 } catch (const std::exception& error) {
   return Complain(kBadData, Shown(error.what()));

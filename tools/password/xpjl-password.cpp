@@ -9,8 +9,8 @@
 #include <string>
 
 #include "DeploymentData.h"
+#include "deployment/DeploymentInfo.h"
 #include "secblobenc/secblobenc.h"
-#include "tools/dialect/ToolVersion.h"
 #include "tools/password/PasswordInput.h"
 
 namespace {
@@ -86,7 +86,7 @@ int Run(int argc, char* argv[]) {
       "Asks for a password and prints the ticket value that the filter opens.\n"
       "Without a terminal it reads the first line of standard input.");
   app.footer(kFooter);
-  app.set_version_flag("--version", std::string("xpjl-password ") + kToolVersion);
+  app.set_version_flag("--version", VersionText("xpjl-password"));
   app.add_flag("--confirm", confirm, "Ask twice, on a terminal");
   try {
     app.parse(argc, argv);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/PageImages.h"
 #include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
 
@@ -19,10 +20,6 @@ constexpr char kDocument[] =
     "%!PS\n%%BeginProlog\n/pgsave null def\n/bp{/pgsave save store}bind def\n"
     "/ep{pgsave restore showpage}bind def\n%%EndProlog\n%%EndSetup\n"
     "bp\n%%EndPageSetup\nep\nbp\n%%EndPageSetup\nep\n";
-
-bool HasGhostscript() {
-  return std::system("gs --version >/dev/null 2>&1") == 0;
-}
 
 // What Ghostscript says of the PostScript.
 std::string Ghostscript(const std::string& device, const std::string& postScript) {

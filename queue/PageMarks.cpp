@@ -1,0 +1,236 @@
+// The window on the document: what is held until the document is understood, and what is passed on.
+
+#include "queue/PageMarks.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "queue/PageMarksProlog.h"
+
+namespace {
+
+constexpr std::size_t kBlockSize = 64 * 1024;
+
+// So much is held of a document whose first page does not begin or does not end.
+constexpr std::size_t kLongestHead = 4 * 1024 * 1024;
+
+constexpr std::string_view kFirstLine = "%!PS-Adobe-";
+
+std::string Prolog(PageMarks::Paper paper) {
+  std::string prolog(kPageMarksProlog);
+  if (paper.width > 0 && paper.height > 0) {
+    prolog += "//PageMarksDict/paper[" + std::to_string(paper.width) + " " +
+              std::to_string(paper.height) + "]put\n";
+  }
+  return prolog;
+}
+
+// Header comments end where anything else begins, which a section's comment is too.
+bool IsHeaderComment(std::string_view line) {
+  return line.starts_with('%') && !line.starts_with("%%Begin") && !line.starts_with("%%End") &&
+         !line.starts_with("%%Page:");
+}
+
+bool MayPassLater(int error) {
+  return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
+}
+
+}  // namespace
+
+PageMarks::PageMarks(ByteReader source, Paper paper)
+    : source_(std::move(source)),
+      prolog_(Prolog(paper)),
+      window_(new char[1 + kBlockSize]),
+      capacity_(kBlockSize),
+      begin_(window_.get() + 1),
+      end_(begin_),
+      ready_(begin_),
+      scan_(begin_) {
+  window_[0] = '\n';  // the document's first byte begins a line
+}
+
+ssize_t PageMarks::read(char* buffer, std::size_t size) {
+  std::size_t filled = 0;
+  while (filled < size) {
+    const std::size_t room = size - filled;
+    if (begin_ != ready_) {
+      const std::size_t length = std::min(room, static_cast<std::size_t>(ready_ - begin_));
+      std::memcpy(buffer + filled, begin_, length);
+      begin_ += length;
+      filled += length;
+    } else if (!insertion_.empty()) {
+      const std::size_t length = insertion_.copy(buffer + filled, room);
+      insertion_.remove_prefix(length);
+      filled += length;
+    } else if (!scanWindow()) {
+      if (filled > 0) break;
+      if (ended_) {
+        errno = error_;
+        return error_ == 0 ? 0 : -1;
+      }
+      if (phase_ == Phase::kPass) return source_(buffer, size);
+      if (refill() < 0) return -1;
+    }
+  }
+  return static_cast<ssize_t>(filled);
+}
+
+// Finds what may be passed on or inserted next; false when more bytes are needed. What was ready is
+// passed on.
+bool PageMarks::scanWindow() {
+  if (phase_ == Phase::kHeader) readHeader();
+  if (phase_ == Phase::kHead) findFirstPage();
+  if (phase_ == Phase::kFirstPage) judgeFirstPage();
+  if (phase_ == Phase::kMark && std::exchange(prologDue_, false)) {
+    ready_ = begin_ + headerSize_;
+    firstPageSize_ -= std::min(firstPageSize_, headerSize_);
+    insertion_ = prolog_;
+    return true;
+  }
+  if (phase_ == Phase::kMark && std::exchange(firstPageDue_, false)) {
+    ready_ = begin_ + firstPageSize_;
+    insertion_ = kPageMarksOfPage;
+    return true;
+  }
+  if (phase_ == Phase::kMark) {
+    using Found = DocumentStructure::Found;
+    Found found = Found::kTrailer;
+    while (found == Found::kTrailer) found = structure_.next(scan_, end_, ended_, false);
+    if (found == Found::kPage && !firstPageJudged_) {
+      beginFirstPage();
+      return scanWindow();
+    }
+    ready_ = scan_;
+    if (found == Found::kPage) insertion_ = kPageMarksOfPage;
+  }
+  if (phase_ == Phase::kPass) ready_ = scan_ = end_;
+  return ready_ != begin_ || !insertion_.empty();
+}
+
+bool PageMarks::heldEnough() const {
+  return ended_ || held() >= kLongestHead;
+}
+
+void PageMarks::readHeader() {
+  const std::string_view bytes(begin_, held());
+  if (!bytes.starts_with(kFirstLine.substr(0, bytes.size())) ||
+      (ended_ && bytes.size() < kFirstLine.size())) {
+    phase_ = Phase::kPass;
+    return;
+  }
+  for (;;) {
+    const LineEnd lineEnd = FindLineEnd(scan_, end_, ended_);
+    if (lineEnd.text == nullptr) {
+      const bool isLong =
+          end_ - scan_ > static_cast<std::ptrdiff_t>(DocumentStructure::kLongestLine);
+      if (!ended_ && !isLong) return;
+      break;
+    }
+    const std::string_view line(scan_, static_cast<std::size_t>(lineEnd.text - scan_));
+    const bool isEnd = line.starts_with("%%EndComments");
+    if (!IsHeaderComment(line) && !isEnd) break;
+    scan_ = lineEnd.next;
+    if (isEnd) break;
+  }
+  headerSize_ = static_cast<std::size_t>(scan_ - begin_);
+  phase_ = Phase::kHead;
+}
+
+// A trailer ahead of all pages is that of a document embedded without saying so.
+void PageMarks::findFirstPage() {
+  using Found = DocumentStructure::Found;
+  Found found = Found::kTrailer;
+  while (found == Found::kTrailer) found = structure_.next(scan_, end_, ended_, false);
+  if (found == Found::kNothing && !heldEnough()) return;
+  readCopies({begin_, static_cast<std::size_t>(scan_ - begin_)});
+  if (found == Found::kPage) {
+    beginFirstPage();
+  } else {
+    phase_ = ended_ ? Phase::kPass : Phase::kMark;
+  }
+}
+
+void PageMarks::beginFirstPage() {
+  phase_ = Phase::kFirstPage;
+  firstPageSize_ = static_cast<std::size_t>(scan_ - begin_);
+  atFirstPage_ = structure_;
+}
+
+// Whether the first page begins with `bp` and ends with `ep`; its end may be out of sight.
+void PageMarks::judgeFirstPage() {
+  using Found = DocumentStructure::Found;
+  Found found = Found::kBeginMark;
+  while (found == Found::kBeginMark || (found == Found::kEndMark && !pageHasBeginMark_)) {
+    found = structure_.next(scan_, end_, ended_, true);
+    if (found == Found::kBeginMark) pageHasBeginMark_ = true;
+  }
+  if (found == Found::kNothing && !heldEnough()) return;
+  const bool mayEndLater = found == Found::kNothing && !ended_;
+  const bool hasMarks = pageHasBeginMark_ && (found == Found::kEndMark || mayEndLater);
+  phase_ = hasMarks ? Phase::kPass : Phase::kMark;
+  firstPageJudged_ = firstPageDue_ = true;
+  scan_ = begin_ + firstPageSize_;
+  structure_ = atFirstPage_;
+}
+
+// The last number behind a name of the number of copies counts.
+void PageMarks::readCopies(std::string_view setup) {
+  struct Spelling {
+    std::string_view name;
+    bool isDefined;  // "def" or "put" stands behind the number
+  };
+  std::size_t last = 0;
+  for (const auto& [name, isDefined] : {Spelling{"NumCopies", false}, Spelling{"/#copies", true}}) {
+    for (std::size_t at = setup.find(name); at != setup.npos; at = setup.find(name, at + 1)) {
+      std::string text(setup.substr(at + name.size(), 40));
+      const std::size_t digits = text.find_first_not_of(": \t");
+      if (digits == text.npos || at < last) continue;
+      char* behind = nullptr;
+      const long copies = std::strtol(text.c_str() + digits, &behind, 10);
+      if (behind == text.c_str() + digits) continue;
+      behind += std::strspn(behind, " \t");
+      if (isDefined && std::strncmp(behind, "def", 3) != 0 && std::strncmp(behind, "put", 3) != 0) {
+        continue;
+      }
+      deviceCopies_ = static_cast<int>(std::clamp(copies, 1L, 99999L));
+      last = at;
+    }
+  }
+}
+
+// Reads behind what is held; what read() says. A failure that stays is the document's end.
+ssize_t PageMarks::refill() {
+  makeRoom();
+  const std::size_t used = static_cast<std::size_t>(end_ - (window_.get() + 1));
+  const ssize_t count = source_(end_, std::min(capacity_ - used, kBlockSize));
+  if (count > 0) {
+    end_ += count;
+    return count;
+  }
+  if (count < 0 && MayPassLater(errno)) return -1;
+  if (count < 0) error_ = errno;
+  ended_ = true;
+  return 0;
+}
+
+// Moves what is held to the front, with the byte before it, and makes the window larger when it is
+// full: only while the head is held.
+void PageMarks::makeRoom() {
+  char* front = window_.get();
+  std::unique_ptr<char[]> larger;
+  const std::size_t size = held();
+  if (size == capacity_) {
+    larger.reset(new char[1 + 2 * capacity_]);
+    capacity_ *= 2;
+    front = larger.get();
+  }
+  const std::ptrdiff_t scanned = scan_ - begin_;
+  if (begin_ - 1 != front) std::memmove(front, begin_ - 1, size + 1);
+  if (larger) window_ = std::move(larger);
+  begin_ = front + 1;
+  end_ = begin_ + size;
+  scan_ = begin_ + scanned;
+  ready_ = begin_;
+}

@@ -1,0 +1,225 @@
+// Where page marks go, byte by byte; and documents of many producers on paper, with and without.
+
+#include "queue/PageMarks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "queue/PageMarksProlog.h"
+#include "tests/support/PageImages.h"
+#include "tests/support/Patterns.h"
+#include "tests/support/Tickets.h"
+
+namespace {
+
+// Reads a text in pieces; an empty piece is an interruption, and `error` stands behind the last.
+ByteReader Source(const std::string& text, std::size_t piece, int error = 0) {
+  return [text, piece, error, at = std::size_t{0}, calls = 0](char* buffer,
+                                                              std::size_t size) mutable -> ssize_t {
+    errno = ++calls % 3 == 0 ? EINTR : error;
+    if (errno == EINTR || (error != 0 && at == text.size())) return -1;
+    const std::size_t length = text.copy(buffer, std::min(size, piece), at);
+    at += length;
+    return static_cast<ssize_t>(length);
+  };
+}
+
+std::string ReadAll(PageMarks& marks, std::size_t room, int* error = nullptr) {
+  std::string all;
+  std::string buffer(room, '\0');
+  for (;;) {
+    const ssize_t count = marks.read(buffer.data(), room);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && error != nullptr) *error = errno;
+    if (count <= 0) return all;
+    all.append(buffer, 0, static_cast<std::size_t>(count));
+  }
+}
+
+std::string WithMarks(const std::string& document, PageMarks::Paper paper = {}) {
+  PageMarks marks(Source(document, 65536), paper);
+  return ReadAll(marks, 65536);
+}
+
+std::string Replaced(std::string text, const std::string& what, std::string_view with) {
+  for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+// Documents in which <D> stands where the definitions go, and <P> where a page's marks go.
+const std::string kMarkPlaces[] = {
+    "%!PS-Adobe-3.0\n%Made by hand\n%%EndComments\n<D>%%BeginProlog\n%%EndProlog\n%%Page: 1 1\n"
+    "<P>bp\nshowpage\n%%Page: 2 2\n<P>showpage\n%%Trailer\nbp\nep\n%%EOF",
+    "%!PS-Adobe-3.0\r\n<D>%%BeginProlog\r\n%%Page: a 1\r\n<P>x\r\n%%Page: b 2\r\n<P>",
+    "%!PS-Adobe-3.0\r<D>\r%%Page: a 1\r<P>x\r%%Page: b 2\r<P>\r%%Page:",
+    "%!PS-Adobe-3.0 EPSF\n<D>%%Page: 1 1\n<P>ep\nendp\n%%EndDocument\n%%Page: 2 2\n<P>bp\nep\n",
+    "%!PS-Adobe-3.0\n<D>/logo{\n%%BeginDocument: a\n%%Page: 1 1\nbp\nep\n%%BeginDocument: b\n"
+    "%%EndDocument\n%%Page: 1 1\n%%EndDocument\n}\n%%Trailer\n%%Page: 1 1\n<P>\n",
+    "%!PS-Adobe-3.0\n<D>%%Page: 1 1\n<P>%%BeginData: 16 Hex Bytes\n%%Page: 2 2\nbp\nep\n%%Page: 2 "
+    "2\n"
+    "<P>%%BeginBinary: 11\r\n%%Page: 3 3\n%%Page: 3 3\n<P>%%BeginData: 2 ASCII Lines\r"
+    "%%Page: 4 4\r\n%%Page: 4 4\r\n%%EndData\r%%Page: 4 4\r\n<P>",
+    // Jobs with marks, and without structure or pages
+    "%!PS-Adobe-3.0\n%%Page: 1 1\nbp\nshowpage\nep\n%%Page: 2 2\n",
+    "%!PS-Adobe-3.0\r\n%%Page: 1 1\r\n%%EndPageSetup\r\nbp\r\nshowpage\r\nendp\r\n%%Page: 2 2\r\n",
+    "%!PS-Adobe-3.0\n%%EndComments\nshowpage\n",
+    "%!PS\n%%Page: 1 1\nshowpage\n",
+    "%!PS-Adobe",
+    "",
+};
+
+TEST(PageMarks, StandAtTheirPlacesWhateverPiecesComeAndGo) {
+  for (const std::string& places : kMarkPlaces) {
+    const std::string document = Replaced(Replaced(places, "<D>", ""), "<P>", "");
+    const std::string marked =
+        Replaced(Replaced(places, "<D>", kPageMarksProlog), "<P>", kPageMarksOfPage);
+    for (const std::size_t piece : {1U, 7U, 65536U}) {
+      for (const std::size_t room : {1U, 10U, 65536U}) {
+        PageMarks marks(Source(document, piece));
+        EXPECT_EQ(ReadAll(marks, room), marked) << piece << " " << room;
+      }
+    }
+  }
+}
+
+TEST(PageMarks, OfHeadsAndPagesThatDoNotEndAreDecidedInTime) {
+  const std::string head = "%!PS-Adobe-3.0\n", page = "%%Page: 1 1\n", many(9'000'000, 'x');
+  const std::string definitions(kPageMarksProlog), marks(kPageMarksOfPage), end = "\n" + page;
+  EXPECT_EQ(WithMarks(head + many + end + "bp\nep\n"),
+            head + definitions + many + end + "bp\nep\n");
+  EXPECT_EQ(WithMarks(head + many + end + "x\n" + page),
+            head + definitions + many + end + marks + "x\n" + page + marks);
+  EXPECT_EQ(WithMarks(head + page + "bp\n" + many + end), head + page + "bp\n" + many + end);
+  EXPECT_EQ(WithMarks(head + page + many + end),
+            head + definitions + page + marks + many + end + marks);
+}
+
+TEST(PageMarks, SayThatReadingFailedBehindWhatHadCome) {
+  for (const std::string document : {"%!PS-Adobe-3.0\n", "%!PS\n"}) {
+    PageMarks marks(Source(document, 5, EIO));
+    int error = 0;
+    EXPECT_EQ(ReadAll(marks, 100, &error), document);
+    EXPECT_EQ(error, EIO);
+  }
+}
+
+TEST(PageMarks, KnowHowOftenTheDeviceIsToPrint) {
+  const std::pair<const char*, int> setups[] = {
+      {"", 1},
+      {"%%BeginNonPPDFeature: NumCopies 3\n", 3},
+      {"%RBINumCopies: 1\n%RBIBeginNonPPDFeature: *NumCopies 4\n4/languagelevel where\n"
+       "{1 dict begin/NumCopies exch def currentdict end}{userdict/#copies 3 -1 roll put}\n",
+       4},
+      {"<</NumCopies 12>>setpagedevice\n", 12},
+      {"/#copies 5 def\n", 5},
+      {"/#copies 2 def\n/NumCopies 3 def\nuserdict/#copies 7 put\n", 7},
+      {"/NumCopies -1 def\n", 1},
+      {"/NumCopies 99999999999999999999 def\n", 99999},
+  };
+  for (const auto& [setup, copies] : setups) {
+    const std::string page = "%%Page: 1 1\n/#copies 9 def\n";
+    PageMarks marks(Source(std::string("%!PS-Adobe-3.0\n") + setup + page, 100));
+    char first;
+    while (marks.read(&first, 1) < 0) continue;
+    EXPECT_EQ(marks.deviceCopies(), copies) << setup;
+  }
+}
+
+// On paper.
+
+// The same pixels with marks, and with a watermark that draws nothing between them; as many marked
+// pages as sections; and a watermark in the middle of each page.
+void ExpectSamePages(const std::string& document, std::size_t pages, bool isInked = true) {
+  const std::string marked = WithMarks(document, {612, 792});
+  EXPECT_NE(marked, document);
+  const std::string plain = Rendered(document);
+  EXPECT_EQ(ImagesIn(plain).size(), pages);
+  EXPECT_TRUE(Rendered(marked) == plain);
+  const std::string watermark = kWatermark + std::string("WMARKDensityTicket=100 ");
+  EXPECT_TRUE(Rendered(PrintedDocument(watermark + "WMARKTextTicket=()", marked)) == plain);
+  if (!isInked) return;
+  for (const PageImage& page : ImagesIn(Rendered(PrintedDocument(watermark, marked)))) {
+    const auto [x, y] = page.centreOf({0, 0, 255});
+    EXPECT_NEAR(x, 0.5, 0.04);
+    EXPECT_NEAR(y, 0.5, 0.04);
+  }
+}
+
+TEST(PageMarks, LeavePagesOfManyProducersAsTheyAre) {
+  if (!HasGhostscript()) GTEST_SKIP() << "Ghostscript is not installed";
+  const ScratchFolder folder;
+  folder.write("mixed.ps",
+               "%!PS\n/Helvetica 30 selectfont\n"
+               "72 700 moveto(one)show showpage<</PageSize[792 612]>>setpagedevice\n"
+               "72 500 moveto(two)show .5 setgray 300 100 200 50 rectfill showpage\n"
+               "showpage<</PageSize[612 792]>>setpagedevice 72 700 moveto(four)show showpage\n");
+  const std::string ppd = "PPD=" PPD_DIR "/zelva-atelier-c90.ppd ";
+  const auto made = [&](const std::string& command) {
+    const std::string script = "cd " + folder.path() + " && export " + ppd + " F=" CUPS_FILTERS +
+                               " && (" + command + ")>out.ps 2>messages";
+    EXPECT_EQ(std::system(script.c_str()), 0)
+        << command << FileContent(folder.path() + "/messages");
+    return FileContent(folder.path() + "/out.ps");
+  };
+  made("gs -q -dBATCH -dNOPAUSE -sDEVICE=pdfwrite -dAutoRotatePages=/None -o a.pdf mixed.ps");
+  made("gs -q -dBATCH -dNOPAUSE -sDEVICE=ps2write -o a.ps a.pdf && pdftops a.pdf b.ps");
+  made("pdftocairo -ps a.pdf c.ps");
+  const std::pair<const char*, std::size_t> producers[] = {
+      {"cat a.ps", 4},
+      {"cat b.ps", 4},
+      {"cat c.ps", 4},
+      {"$F/pstops 1 u t 1 number-up=2 a.ps", 2},
+      {"$F/pstops 1 u t 1 number-up=4 b.ps", 1},
+      {"$F/pstops 1 u t 1 number-up=16 c.ps", 1},
+      {"$F/pstops 1 u t 2 'collate=true number-up=2' b.ps", 4},
+      {"$F/pstops 1 u t 2 page-border=single b.ps", 8},
+      {"$F/pdftopdf 1 u t 1 booklet=on a.pdf | $F/pdftops 1 u t 1 ''", 2},
+      {"$F/pdftopdf 1 u t 1 number-up=4 a.pdf | $F/pdftops 1 u t 1 ''", 1},
+      {"$F/texttops 1 u t 1 '' mixed.ps", 1},
+  };
+  for (const auto& [command, pages] : producers) {
+    SCOPED_TRACE(command);
+    ExpectSamePages(made(command), pages);
+  }
+}
+
+TEST(PageMarks, LeavePagesWrittenByHandAsTheyAre) {
+  if (!HasGhostscript()) GTEST_SKIP() << "Ghostscript is not installed";
+  const std::string box = "9 9 99 50 rectfill ", next = "\n%%Page: 2 2\n";
+  const std::pair<std::string, std::size_t> documents[] = {
+      {box + "showpage" + next + "showpage", 2},
+      {box + "showpage" + next + box, 1},
+      {box + "showpage" + next + box + "showpage 9 200 9 9 rectfill showpage", 3},
+      {"save " + box + "restore showpage" + next + "save " + box + "showpage restore", 2},
+      {box + "copypage showpage", 2},
+      {"/wide 200 def " + box + "showpage" + next + "9 9 wide 9 rectfill showpage", 2},
+      {"%%BeginPageSetup\n<</PageSize[792 612]>>setpagedevice\n%%EndPageSetup\n%%EndPageSetup\n" +
+           box + "showpage" + next + box + "showpage",
+       2},
+      {"save<</PageSize[792 612]>>setpagedevice " + box + "showpage restore", 1},
+      {"gsave 2 2 scale 50 50 translate 0 0 9 9 rectclip " + box + "showpage grestore", 1},
+      {"before " + box + "restore/before save def showpage" + next + "before restore showpage", 2},
+      {"true setglobal 3 dict begin/ep{quit}def/bp/ep load def/page/ep load def " + box +
+           "/gsave/ep load def/show/ep load def/restore/ep load def/fffbp/ep load def showpage",
+       1},
+      {box + "sp" + next + "sp" + next + box + "sp", 3},
+  };
+  for (const auto& [pages, count] : documents) {
+    SCOPED_TRACE(pages);
+    ExpectSamePages("%!PS-Adobe-3.0\n/sp{showpage}bind def/before save def\n%%Page: 1 1\n" + pages +
+                        "\n%%Trailer\n",
+                    count);
+  }
+  ExpectSamePages("%!PS-Adobe-3.0\n%%BeginProlog\n%%Page: 1 1\n" + box +
+                      "systemdict/showpage get exec\n"
+                      "currentfile 0(%%EndBinary)/SubFileDecode filter flushfile\n"
+                      "%%BeginBinary: 16\n\nep\n%%Page: 1 1\n%%EndBinary\n",
+                  1, false);
+}
+
+}  // namespace

@@ -15,8 +15,11 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "deployment/DeploymentInfo.h"
 #include "tests/support/Password.h"
 #include "tests/support/Patterns.h"
+#include "tests/support/ProcessMemory.h"
+#include "tests/support/SampleJobs.h"
 #include "tests/support/Tickets.h"
 #include "tests/support/ToolProcess.h"
 
@@ -140,7 +143,71 @@ TEST(PasswordTool, TakesNoPasswordFromTheCommandLine) {
     EXPECT_EQ(result.messages.find("hunter2"), std::string::npos);
   }
   EXPECT_EQ(RunTool(PASSWORD_BINARY, {"--help"}).status, 0);
-  EXPECT_EQ(RunTool(PASSWORD_BINARY, {"--version"}).status, 0);
+  for (const char* tool : {PASSWORD_BINARY, INSPECT_BINARY}) {
+    const std::string version = RunTool(tool, {"--version"}).output;
+    EXPECT_TRUE(
+        Matches("^xpjl-[a-z]+ [0-9.]+\nDeployment: demonstration\n2048-bit key: [0-9a-f]{64}\n"
+                "3072-bit key: [0-9a-f]{64}\n",
+                version))
+        << version;
+  }
+}
+
+TEST(PasswordTool, ChecksAValue) {
+  const struct {
+    std::string value;
+    bool opens;
+  } rows[] = {
+      {Stored("geheim"), true},
+      {Stored(std::string(255, 'x')), true},
+      {Stored("geheim").replace(3, 1, "_"), false},
+      {Stored("geheim").substr(4), false},
+      {"AAAAAAAAAAAAAAAAAAAAAA==", false},
+      {Stored(std::string(300, 'x')), false},
+      {std::string(600, 'A'), false},
+      {"", false},
+  };
+  for (const auto& row : rows) {
+    const ToolResult result = RunTool(PASSWORD_BINARY, {"--check"}, row.value + "\n");
+    EXPECT_EQ(result.status, row.opens ? 0 : 1) << row.value;
+    EXPECT_EQ(result.output, row.opens ? "The value opens in this deployment.\n" : "");
+    EXPECT_EQ(result.messages.empty(), row.opens) << result.messages;
+  }
+}
+
+// A line without an end is refused without reading it, and what stands behind a line stays there.
+TEST(PasswordTool, ReadsNoMoreThanItNeeds) {
+  EXPECT_EQ(RunTool("/bin/sh", {"-c", "timeout 5 " PASSWORD_BINARY " </dev/zero"}).status, 1);
+  EXPECT_EQ(RunTool("/bin/sh", {"-c", PASSWORD_BINARY " >/dev/null; cat"}, "one\ntwo\n").output,
+            "two\n");
+}
+
+// Neither tool leaves a password, nor half of one, in memory that it gives back.
+TEST(PasswordTool, LeavesNoPasswordInMemory) {
+  const std::string secret = "correct horse battery staple";
+  const std::string key = TEST_DATA_DIR "/demo-device-2048-private.pem";
+  const std::string job = FilteredJob(kSecurePrint + Stored(secret));
+  const struct {
+    std::vector<std::string> arguments;
+    std::string input;
+  } rows[] = {
+      {{PASSWORD_BINARY}, secret + "\n"},
+      {{PASSWORD_BINARY}, secret + std::string(600, 'x')},
+      {{PASSWORD_BINARY, "--check"}, Stored(secret) + "\n"},
+      {{INSPECT_BINARY, "-", "--device-key", key}, job},
+      {{INSPECT_BINARY, "-", "--device-key", key, "--json"}, job},
+      {{INSPECT_BINARY, "-", "--device-key", key, "--show-passwords"}, job},
+      {{INSPECT_BINARY, "-", "--device-key", key, "--show-passwords", "--json"}, job},
+  };
+  for (const auto& row : rows) {
+    const auto memory = MemoryAtExit(row.arguments, {}, row.input);
+    if (!memory) GTEST_SKIP() << "no process can be looked into here";
+    EXPECT_NE(memory->find(row.arguments[0]), memory->npos) << "the search itself is broken";
+    for (std::size_t at = 0; at + 8 <= secret.size(); at++) {
+      EXPECT_EQ(memory->find(secret.substr(at, 8)), memory->npos)
+          << testing::PrintToString(row.arguments) << secret.substr(at, 8);
+    }
+  }
 }
 
 TEST(PasswordTool, AsksOnATerminalWithoutEcho) {
@@ -162,7 +229,8 @@ TEST(PasswordTool, AsksOnATerminalWithoutEcho) {
     tool.answer("Once more: ", row.second);
     EXPECT_EQ(tool.finish(), row.status);
     EXPECT_EQ(tool.output(), row.status == 0 ? Stored("geheim") + "\n" : "");
-    EXPECT_EQ(tool.shown(), row.shown);
+    EXPECT_EQ(tool.shown(),
+              "xpjl-password: " + std::string(kDemonstrationWarning) + "\r\n" + row.shown);
     EXPECT_TRUE(tool.echoes());
   }
 }

@@ -7,8 +7,6 @@
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
 
-#include <cstdio>
-
 #include "secblobenc/secblobenc.h"
 
 namespace {
@@ -60,10 +58,9 @@ std::optional<std::string> DecryptCBC(std::string_view key, std::string_view iv,
 }  // namespace
 
 PrivateKey ReadPrivateKey(const char* path) {
-  std::FILE* file = std::fopen(path, "r");
-  if (file == nullptr) return nullptr;
-  PrivateKey key(PEM_read_PrivateKey(file, nullptr, nullptr, nullptr));
-  std::fclose(file);
+  const std::unique_ptr<BIO, decltype(&BIO_free)> file(BIO_new_file(path, "r"), BIO_free);
+  if (!file) return nullptr;
+  PrivateKey key(PEM_read_bio_PrivateKey(file.get(), nullptr, nullptr, nullptr));
   return key;
 }
 

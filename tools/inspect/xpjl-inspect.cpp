@@ -15,6 +15,7 @@
 
 #include "deployment/DeploymentInfo.h"
 #include "tools/dialect/StandardDescriptors.h"
+#include "tools/dialect/WipedMemory.h"
 #include "tools/inspect/DeviceBlob.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/PageImages.h"
@@ -84,12 +85,18 @@ std::optional<JobReport> Read(const std::string& name, EVP_PKEY* key,
   return report;
 }
 
-// False when the report did not get out.
-bool Put(const std::string& text) {
-  std::fputs(text.c_str(), stdout);
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
-  Complain(kBadData, std::string("cannot write: ") + std::strerror(errno));
-  return false;
+// False when the text did not get out. It may hold passwords, so that no other buffer gets it.
+bool Put(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) {
+      Complain(kBadData, std::string("cannot write: ") + std::strerror(errno));
+      return false;
+    }
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
 }
 
 // What came of rendering the document.
@@ -217,8 +224,11 @@ int Run(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) try {
+  WipeLibraryMemory();
   OccupyStandardDescriptors();
-  return Run(argc, argv);
+  const int status = Run(argc, argv);
+  WipeStack();
+  return status;
 } catch (const std::exception& error) {
   return Complain(kBadData, Shown(error.what()));
 }

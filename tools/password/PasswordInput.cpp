@@ -6,6 +6,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -84,22 +85,39 @@ class SilentTerminal {
   bool changed_ = false;
 };
 
-// Reads byte by byte, so that what stands behind the line stays where it is.
-InputResult ReadLine(Password& password, const HeldSignals* held = nullptr) {
-  password.clear();
-  for (bool any = false;; any = true) {
-    if (held != nullptr && !held->waitForInput()) return InputResult::kInterrupted;
-    char byte = '\0';
+// What is read at once; wiped, since it holds the password.
+struct InputBlock {
+  InputBlock() = default;
+  ~InputBlock() { OPENSSL_cleanse(bytes, sizeof bytes); }
+  InputBlock(const InputBlock&) = delete;
+  InputBlock& operator=(const InputBlock&) = delete;
+
+  ssize_t fill() {
     ssize_t count = 0;
     do {
-      count = read(STDIN_FILENO, &byte, 1);
+      count = read(STDIN_FILENO, bytes, sizeof bytes);
     } while (count < 0 && errno == EINTR);
+    return count;
+  }
+
+  char bytes[kLongestLine];
+};
+
+InputResult ReadLine(Password& password, const HeldSignals* held = nullptr) {
+  password.clear();
+  InputBlock block;
+  for (bool any = false;; any = true) {
+    if (held != nullptr && !held->waitForInput()) return InputResult::kInterrupted;
+    const ssize_t count = block.fill();
     if (count <= 0 && !any) return InputResult::kNothing;
-    if (count <= 0 || byte == '\n') {
+    const char* const end = block.bytes + std::max<ssize_t>(count, 0);
+    const char* const lineEnd = std::find(static_cast<const char*>(block.bytes), end, '\n');
+    for (const char* at = block.bytes; at != lineEnd; at++) password.append(*at);
+    if (lineEnd != end) lseek(STDIN_FILENO, lineEnd + 1 - end, SEEK_CUR);
+    if (count <= 0 || lineEnd != end || password.length() > kLongestLine) {
       password.dropCarriageReturn();
       return InputResult::kRead;
     }
-    password.append(byte);
   }
 }
 

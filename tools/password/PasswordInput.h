@@ -9,10 +9,11 @@
 #include <cstddef>
 #include <string_view>
 
-// The longest password that the filter opens, in bytes.
+// The longest password that the filter opens, and the longest line that is read, in bytes.
 inline constexpr std::size_t kLongestPassword = 255;
+inline constexpr std::size_t kLongestLine = 512;
 
-// A password, wiped at its end.
+// A password, or the value made of one; wiped at its end.
 class Password {
  public:
   Password() = default;
@@ -33,7 +34,7 @@ class Password {
   }
 
  private:
-  std::array<char, kLongestPassword + 1> bytes_{};
+  std::array<char, kLongestLine> bytes_{};
   std::size_t length_ = 0;
 };
 
@@ -42,6 +43,8 @@ enum class InputResult { kRead, kNothing, kInterrupted };
 // Whether passwords come from a terminal.
 bool ReadsFromTerminal();
 
-// Reads one line into `password`, without its line end. On a terminal `prompt` is shown on standard
-// error and nothing is echoed; the terminal is left as it was, also by signals.
+// Reads one line into `password`, without its line end; no more of a line that is too long than
+// shows that it is. Input that can be sought in stands behind the line then, other input anywhere.
+// On a terminal `prompt` is shown on standard error and nothing is echoed; the terminal is left as
+// it was, also by signals.
 InputResult ReadPassword(const char* prompt, Password& password);

@@ -1,5 +1,9 @@
 // xpjl-password: turns a password into the ticket value that the filter opens.
 
+#include <fcntl.h>
+#include <openssl/crypto.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdint>
@@ -11,6 +15,8 @@
 #include "DeploymentData.h"
 #include "deployment/DeploymentInfo.h"
 #include "secblobenc/secblobenc.h"
+#include "tools/dialect/StandardDescriptors.h"
+#include "tools/dialect/WipedMemory.h"
 #include "tools/password/PasswordInput.h"
 
 namespace {
@@ -49,7 +55,48 @@ std::string TicketValue(const Password& password) {
   return value;
 }
 
+// Whether the filter's storage form behind `value` opens, to something that is a password. What the
+// library says of one that does not goes nowhere.
+bool Opens(std::string_view value) {
+  unsigned char cipher[kLongestLine];
+  const std::int64_t cipherLength = SecBlobEnc_Base64_Decode(std::string(value).c_str(), cipher);
+  if (cipherLength < 1) return false;
+  std::fflush(stdout);
+  const int output = dup(STDOUT_FILENO);
+  const int nowhere = open("/dev/null", O_WRONLY);
+  dup2(nowhere, STDOUT_FILENO);
+  unsigned char plain[kLongestPassword];
+  std::uint32_t length = sizeof plain;
+  const bool opens =
+      Decode_Storage(cipher, static_cast<std::uint32_t>(cipherLength), seed1, sizeof seed1, seed2,
+                     sizeof seed2, seed3, sizeof seed3, plain, &length) == 0;
+  std::fflush(stdout);
+  dup2(output, STDOUT_FILENO);
+  for (const int fd : {output, nowhere}) close(fd);
+  OPENSSL_cleanse(plain, sizeof plain);
+  return opens && length > 0;
+}
+
+int CheckValue() {
+  Password value;
+  const InputResult result = ReadPassword("Value: ", value);
+  if (result == InputResult::kInterrupted) return Complain(kBadData, "interrupted");
+  if (result == InputResult::kNothing || value.length() == 0) {
+    return Complain(kBadData, "there is no value on standard input");
+  }
+  if (value.length() > kLongestLine || !Opens(value.text())) {
+    return Complain(kBadData,
+                    "the value does not open: it is damaged, or was made for another deployment");
+  }
+  return std::puts("The value opens in this deployment.") < 0 || std::fflush(stdout) != 0
+             ? Complain(kBadData, std::strerror(errno))
+             : kDone;
+}
+
 int SealPassword(bool confirm) {
+  if (DeploymentIsDemonstration() && isatty(STDERR_FILENO) == 1) {
+    Complain(kDone, kDemonstrationWarning);
+  }
   Password password;
   if (const char* fault = Fault(ReadPassword("Password: ", password), password)) {
     return Complain(kBadData, fault);
@@ -73,37 +120,42 @@ constexpr char kFooter[] =
     "The value goes into a password ticket of a job or a queue, for example\n"
     "  lp -o com.zelva.jt.printsettings.ps.ww.PrintTypePasswordTicketKey=VALUE ...\n"
     "It hides the password from a glance, not from somebody who has this program's\n"
-    "deployment data."
-#ifdef PSTOXPJL_DEMONSTRATION
-    "\nThis program was built for the demonstration deployment, whose data is public."
-#endif
-    "\n\nExit status: 0 done, 1 no usable password, 2 wrong usage.";
+    "deployment data.\n\n"
+    "Exit status: 0 done, 1 no usable password or value, 2 wrong usage.";
 
 int Run(int argc, char* argv[]) {
   bool confirm = false;
+  bool check = false;
   CLI::App app;
   app.description(
       "Asks for a password and prints the ticket value that the filter opens.\n"
       "Without a terminal it reads the first line of standard input.");
-  app.footer(kFooter);
+  app.footer(DeploymentIsDemonstration() ? kDemonstrationWarning + ("\n\n" + std::string(kFooter))
+                                         : kFooter);
   app.set_version_flag("--version", VersionText("xpjl-password"));
-  app.add_flag("--confirm", confirm, "Ask twice, on a terminal");
+  auto* twice = app.add_flag("--confirm", confirm, "Ask twice, on a terminal");
+  app.add_flag("--check", check, "Read such a value instead, and say whether it opens")
+      ->excludes(twice);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
     // The message would repeat what may be a password.
     return Complain(kWrongUsage,
-                    "takes no password as an argument and knows --confirm, --help and "
-                    "--version only; it asks for the password itself");
+                    "takes no password as an argument and knows --check, --confirm, --help "
+                    "and --version only; it asks for the password itself");
   }
-  return SealPassword(confirm);
+  return check ? CheckValue() : SealPassword(confirm);
 }
 
 }  // namespace
 
 int main(int argc, char* argv[]) try {
-  return Run(argc, argv);
+  WipeLibraryMemory();
+  OccupyStandardDescriptors();
+  const int status = Run(argc, argv);
+  WipeStack();
+  return status;
 } catch (const std::exception& error) {
   return Complain(kBadData, error.what());
 }

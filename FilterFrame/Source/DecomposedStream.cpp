@@ -242,8 +242,8 @@ void CopyBack(int fd) {
 
 enum class SpoolResult { kDone, kCancelled, kFailed };
 
-SpoolResult Spool(int inputFd, std::FILE* spool, char* argv[]) {
-  PostScriptLines lines(inputFd, {.prefix = kFeatureMarker, .holdLastByte = true});
+SpoolResult Spool(ByteReader reader, std::FILE* spool, char* argv[]) {
+  PostScriptLines lines(std::move(reader), {.prefix = kFeatureMarker, .holdLastByte = true});
   if (SpoolLines(lines, spool, argv)) {
     ReportReadError(lines);
     EndSpool(lines.lastByte(), spool);
@@ -262,7 +262,8 @@ void GiveUpSpool() {
 
 }  // namespace
 
-void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]) {
+void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[],
+                                                   const InputStage& stage) {
   const JobInput input(argc == 7 ? argv[6] : nullptr);
   if (input.fd() < 0) return;
   const int spoolFd = cupsTempFd(PPDPJLOutFilePath, sizeof PPDPJLOutFilePath);
@@ -272,7 +273,7 @@ void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]) {
   if (spool == nullptr) return;
   std::setvbuf(spool.get(), spoolBuffer, _IOFBF, sizeof spoolBuffer);
 
-  const SpoolResult result = Spool(input.fd(), spool.get(), argv);
+  const SpoolResult result = Spool(input.reader(stage), spool.get(), argv);
   if (result == SpoolResult::kFailed) return GiveUpSpool();
   if (result == SpoolResult::kCancelled) {
     if (CancelJobByUser == 1) unlink(PPDPJLOutFilePath);

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "FilterFrame/Source/JobInput.h"
+
 // Name of the spool file of the job, and the format of the name on older systems, which no job
 // uses.
 extern char PPDPJLOutFilePath[255];
@@ -19,7 +21,8 @@ extern const char* const TRCSCRCommand[];
 // The whole mode. With `argc` 7 the job comes from the file argv[6], otherwise from standard input.
 // A job that cannot be opened or spooled writes nothing here; a job that CUPS cancels while it is
 // spooled leaves the spool file behind.
-void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[]);
+void OutputPSStreamtoFileandInsertPJLforFeaturePDE(int argc, char* argv[],
+                                                   const InputStage& stage = {});
 
 // A copy of text[first..last], both included; empty when `last` is before `first`. What lies
 // outside the text is left out.

@@ -6,9 +6,6 @@
 
 #include "FilterFrame/Source/PostScriptLines.h"
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -80,8 +77,8 @@ const PostScriptToken* MatchToken(std::string_view line) {
 
 }  // namespace
 
-PostScriptLines::PostScriptLines(int fd, Wishes wishes)
-    : fd_(fd),
+PostScriptLines::PostScriptLines(ByteReader reader, Wishes wishes)
+    : reader_(std::move(reader)),
       wishes_(wishes),
       buffer_(new char[1 + kBlockSize]),
       begin_(buffer_.get() + 1),
@@ -156,23 +153,11 @@ bool PostScriptLines::refill() {
   end_ -= shift;
   scan_ -= shift;
 
-  const long count = readWaiting(begin_ + held, kBlockSize - held);
+  const ssize_t count = reader_(begin_ + held, kBlockSize - held);
+  if (count < 0) readError_ = errno;
   if (count <= 0) return false;
   end_ = begin_ + held + count;
   heldBack_ = wishes_.holdLastByte ? 1 : 0;
   end_ -= heldBack_;
   return true;
-}
-
-// As read(), but goes on after signals and waits for input that is only not there yet.
-long PostScriptLines::readWaiting(char* block, std::size_t size) {
-  for (;;) {
-    const ssize_t count = read(fd_, block, size);
-    if (count >= 0) return count;
-    pollfd input = {fd_, POLLIN, 0};
-    if (errno == EAGAIN && poll(&input, 1, -1) >= 0) continue;
-    if (errno == EINTR) continue;
-    readError_ = errno;
-    return -1;
-  }
 }

@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <utility>
+
+#include "FilterFrame/Source/JobInput.h"
 
 // When a line's hook is called, seen from the writing of the line.
 enum class HookPlace { kBefore, kAfter, kNone };
@@ -41,7 +44,7 @@ inline constexpr PostScriptToken kPostScriptTokens[] = {
 // line is a token; of an unfinished last line only whole pieces are passed on.
 inline constexpr std::size_t kLinePieceSize = 8065;
 
-// Reads a job from a file descriptor. Memory does not grow with the job.
+// Reads a job line by line. Memory does not grow with the job.
 class PostScriptLines {
  public:
   // What else a reader wants to know of the job.
@@ -51,9 +54,11 @@ class PostScriptLines {
     bool holdLastByte = false;  // the job's last byte is not part of it: see lastByte()
   };
 
-  // `fd` stays the caller's. One that does not block is waited for.
-  explicit PostScriptLines(int fd) : PostScriptLines(fd, Wishes{}) {}
-  PostScriptLines(int fd, Wishes wishes);
+  // From a reader, or from a descriptor, which stays the caller's.
+  explicit PostScriptLines(ByteReader reader) : PostScriptLines(std::move(reader), Wishes{}) {}
+  PostScriptLines(ByteReader reader, Wishes wishes);
+  explicit PostScriptLines(int fd) : PostScriptLines(DescriptorReader(fd)) {}
+  PostScriptLines(int fd, Wishes wishes) : PostScriptLines(DescriptorReader(fd), wishes) {}
 
   struct Piece {
     std::string_view bytes;        // as they stand in the job; valid until the next call
@@ -77,11 +82,10 @@ class PostScriptLines {
             bool hasPrefix = false);
   const char* endOfFinished() const;
   bool refill();
-  long readWaiting(char* block, std::size_t size);
 
   static constexpr std::size_t kBlockSize = 64 * 1024;
 
-  int fd_;
+  ByteReader reader_;
   Wishes wishes_;
   std::unique_ptr<char[]> buffer_;  // one byte, the last one passed on, and the block behind it
   char* begin_;                     // first byte not yet passed on

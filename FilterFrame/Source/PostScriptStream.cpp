@@ -2,9 +2,6 @@
 
 #include "FilterFrame/Source/PostScriptStream.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstring>
 
@@ -27,17 +24,10 @@ void Write(std::string_view bytes, std::FILE* stream) {
 
 }  // namespace
 
-JobInput::JobInput(const char* path)
-    : fd_(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
-
-JobInput::~JobInput() {
-  if (fd_ > STDIN_FILENO) close(fd_);
-}
-
-void OutputPSStream(int argc, char* argv[]) {
+void OutputPSStream(int argc, char* argv[], const InputStage& stage) {
   const JobInput input(argc == 6 ? nullptr : argv[6]);
   if (input.fd() < 0) return;
-  PostScriptLines lines(input.fd());
+  PostScriptLines lines(input.reader(stage));
   StreamPosition position;
   PostScriptLines::Piece piece;
   while (lines.next(piece)) {

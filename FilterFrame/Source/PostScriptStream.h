@@ -6,28 +6,16 @@
 #include <cstdio>
 #include <string_view>
 
+#include "FilterFrame/Source/JobInput.h"
 #include "FilterFrame/Source/PostScriptLines.h"
 
 // Copies the PostScript to standard output, closed by byte 4. With `argc` 6 the job comes from
 // standard input, otherwise from the file argv[6]; one that cannot be opened writes nothing. A
 // cancelled job ends without the byte 4.
-void OutputPSStream(int argc, char* argv[]);
+void OutputPSStream(int argc, char* argv[], const InputStage& stage = {});
 
 // Says on standard error why reading ended before the end of the input, if it did.
 void ReportReadError(const PostScriptLines& lines);
-
-// The job's input: a file of its own, or standard input when `path` is null.
-class JobInput {
- public:
-  explicit JobInput(const char* path);
-  ~JobInput();
-  JobInput(const JobInput&) = delete;
-  JobInput& operator=(const JobInput&) = delete;
-  int fd() const { return fd_; }  // negative when the file cannot be opened
-
- private:
-  int fd_;
-};
 
 // The byte that ends the PostScript.
 inline constexpr char kEndOfTransmission = 4;

@@ -2,6 +2,7 @@
 
 #include "engine/ModuleDispatch.h"
 
+#include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "modules/accounting/Accounting.h"
 #include "modules/comment/Comment.h"
 #include "modules/features/Features.h"
@@ -51,6 +52,10 @@ constexpr Module kModules[] = {
 
 std::span<const Module> Modules() {
   return kModules;
+}
+
+std::span<const TicketData> PrinterTable(const TicketTable& table) {
+  return PrinterLanguageIsUTF8() ? table.utf8 : table.latin1;
 }
 
 int GetTicketFromPDE(char* args[]) {

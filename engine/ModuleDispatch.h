@@ -23,6 +23,9 @@ struct Module {
   std::span<const char* const> numberedTickets;  // prefixes of keys that end in 0, 1, 2 and so on
 };
 
+// The table's form in the language of the job's printer.
+std::span<const TicketData> PrinterTable(const TicketTable& table);
+
 // Every module that reads tickets, in the order of the ticket intake.
 std::span<const Module> Modules();
 

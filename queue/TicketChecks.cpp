@@ -1,0 +1,94 @@
+// The checks, from one ticket to those that need each other.
+
+#include "queue/TicketChecks.h"
+
+#include <algorithm>
+
+#include "queue/HeaderCheck.h"
+#include "queue/TextForms.h"
+#include "queue/TicketKeys.h"
+
+namespace {
+
+void CheckForms(TicketList& tickets, Complaints& complaints) {
+  for (const FormRow& row : FormRows()) {
+    const std::string* value = tickets.find(row.ticket);
+    if (value == nullptr || HasForm(row.form, DecodedText(*value))) continue;
+    LeaveOut(tickets, row.ticket, "has another form", complaints);
+  }
+}
+
+// Why a ticket's value cannot stand in the header; empty when it can.
+std::string TextProblem(const JobTicket& ticket) {
+  const TicketData* row = FindTicketData(ticket.key);
+  if (row != nullptr && (!IsText(*row) || BelongsTo(ticket.key, "watermark"))) return {};
+  if (!FitsHeader(DecodedText(ticket.value))) return "holds a quote or a control character";
+  if (row == nullptr ||
+      (IsDialogKey(ticket.key) && !MustHold(ticket.key) && BelongsTo(ticket.key, "printtype"))) {
+    return {};  // a document's name is cut, and so are the fields of special pages
+  }
+  const auto most = static_cast<std::size_t>(row->size - 1);
+  if (ConvertedLength(*row, ticket.value) <= most) return {};
+  return "is longer than " + std::to_string(most) + " bytes";
+}
+
+void CheckTexts(TicketList& tickets, Complaints& complaints) {
+  const std::vector<JobTicket> all = tickets.tickets();
+  for (const JobTicket& ticket : all) {
+    const std::string problem = TextProblem(ticket);
+    if (!problem.empty()) LeaveOut(tickets, ticket.key, problem, complaints);
+  }
+}
+
+bool IsThere(const TicketList& tickets, const char* key) {
+  const std::string* value = tickets.find(key);
+  if (value == nullptr || value->empty()) return false;
+  const TicketData* row = FindTicketData(key);
+  return row == nullptr || !IsText(*row) || ConvertedLength(*row, *value) > 0;
+}
+
+// Until nothing changes any more: what has been left out may be what another ticket needs.
+void CheckNeeds(TicketList& tickets, Complaints& complaints) {
+  const auto lacks = [&tickets](const NeedRow& row) {
+    return Holds(row.condition, tickets) && !IsThere(tickets, row.ticket);
+  };
+  for (;;) {
+    const auto row = std::ranges::find_if(NeedRows(), lacks);
+    if (row == NeedRows().end()) return;
+    LeaveOut(tickets, row->condition.ticket, "needs " + ShortKey(row->ticket), complaints);
+  }
+}
+
+}  // namespace
+
+bool Holds(const Condition& condition, const TicketList& tickets) {
+  if (condition.ticket == nullptr) return true;
+  const std::string* value = tickets.find(condition.ticket);
+  return value != nullptr && HasWord(condition.values, *value) != condition.unless;
+}
+
+std::string WhatSets(const Condition& condition) {
+  for (const TicketRow& row : TicketRows()) {
+    if (std::string_view(row.ticket) == condition.ticket && row.making == Making::kWord &&
+        std::string_view(row.choice) != kAny && HasWord(condition.values, row.word)) {
+      return std::string(row.option) + "=" + row.choice;
+    }
+  }
+  return ShortKey(condition.ticket);
+}
+
+void CheckTickets(TicketList& tickets, Complaints& complaints) {
+  CheckForms(tickets, complaints);
+  CheckTexts(tickets, complaints);
+  CheckNeeds(tickets, complaints);
+}
+
+void LeaveOut(TicketList& tickets, const std::string& key, const std::string& why,
+              Complaints& complaints) {
+  const auto found = std::ranges::find(tickets.tickets(), key, &JobTicket::key);
+  if (found == tickets.tickets().end()) return;
+  std::string what = found->source;
+  if (what == kGivenByJob) what = ShortKey(key) + (found->secret ? "" : "=" + found->value);
+  complaints.complain(MustHold(key), what + ": it " + why);
+  tickets.remove(key);
+}

@@ -1,0 +1,81 @@
+// cupstoxpjl, the filter that the PPDs name: choices become tickets, pages get their marks, and the
+// job goes to the printer as pstoxpjl prints it.
+
+#include <openssl/crypto.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "FilterFrame/Source/PrintJob.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "deployment/DeploymentInfo.h"
+#include "queue/Composition.h"
+#include "queue/JobMessages.h"
+
+namespace {
+
+constexpr int kFewestArguments = 6;  // the program's name included
+constexpr int kFailed = 1;
+
+int Usage() {
+  std::fputs("Usage: cupstoxpjl job-id user title copies options [file]\n", stderr);
+  return kFailed;
+}
+
+int Version() {
+  const bool written = std::fputs(VersionText("cupstoxpjl").c_str(), stdout) >= 0;
+  return written && std::fflush(stdout) == 0 ? 0 : kFailed;
+}
+
+// The job's options. The argument is overwritten: CUPS puts a PIN there in clear, and everybody on
+// the computer can read a program's arguments.
+std::vector<JobOption> TakeOptions(char* argument) {
+  std::vector<JobOption> options;
+  {
+    const JobOptions parsed(argument);
+    for (int i = 0; i < parsed.count(); i++) {
+      options.push_back({parsed.list()[i].name, parsed.list()[i].value});
+    }
+  }
+  OPENSSL_cleanse(argument, std::strlen(argument));
+  return options;
+}
+
+// What each option became, and what is wrong. False when the job must not be printed.
+bool Report(const Composition& composition) {
+  for (const JobTicket& ticket : composition.tickets().tickets()) {
+    SayDebug(ticket.source + ": " + ShortKey(ticket.key) + "=" +
+             (ticket.secret ? "(hidden)" : ticket.value));
+  }
+  const Complaints& complaints = composition.complaints();
+  for (const std::string& warning : complaints.warnings()) SayWarning(warning);
+  if (complaints.failed()) SayError(complaints.failure());
+  return !complaints.failed();
+}
+
+int Print(int argc, char* argv[]) {
+  Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, TakeOptions(argv[5]));
+  composition.compose(argv);
+  if (!Report(composition)) return kFailed;
+
+  std::vector<char*> args(argv, argv + argc + 1);
+  std::string options = composition.optionsText();
+  args[2] = composition.facts().user.data();
+  args[3] = composition.facts().title.data();
+  args[5] = options.data();
+  const int status = PrintJob(argc, args.data());
+  OPENSSL_cleanse(options.data(), options.size());
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  if (argc == 2 && std::strcmp(argv[1], "--version") == 0) return Version();
+  if (argc < kFewestArguments) return Usage();
+  PrepareProcess();
+  return Print(argc, argv);
+}

@@ -27,7 +27,7 @@ def wait_for(what, condition):
 
 def missing(server_bin):
     """What keeps a private cupsd from running here; an empty text if nothing does."""
-    programs = "cupsd lp lpadmin lpinfo lpstat cancel gs bash".split()
+    programs = "cupsd ipptool lp lpadmin lpinfo lpstat cancel gs bash".split()
     parts = ("filter/pstops filter/pdftopdf filter/pdftops filter/texttopdf daemon/cups-driverd "
              "backend/socket").split()
     return ", ".join([name for name in programs if not shutil.which(name, path=PATH)] +

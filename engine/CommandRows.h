@@ -14,9 +14,9 @@
 //   ROW_SAME(Name)                                   row Name as it stands
 //
 // where the last two take a row from a file that was expanded before. A row defines
-// prtfmtStr<Name>, cmdParaList<Name>, symPara<Name>, comparationItem<Name> and comparation<Name> (a
-// ROW_LIKE the last two, under <Name><Suffix>). A value that does not fit its control symbol, a
-// missing one and a test on the wrong type do not compile.
+// prtfmtStr<Name>, cmdParaList<Name>, cmdParaNum<Name>, symPara<Name>, comparationItem<Name> and
+// comparation<Name> (a ROW_LIKE the last two, under <Name><Suffix>). A value that does not fit its
+// control symbol, a missing one and a test on the wrong type do not compile.
 
 #include <cstdint>
 #include <iterator>
@@ -43,6 +43,7 @@
   constexpr CmdValue cmdParaList##name[] = {CmdValue{}, values};                          \
   static_assert(ValuesFitFormat(prtfmtStr##name, {ROWS_FIRST(cmdParaList##name),          \
                                                   std::size(cmdParaList##name) - 1}));    \
+  constexpr std::int32_t cmdParaNum##name = ROWS_LENGTH(cmdParaList##name);               \
   SymPara symPara##name;                                                                  \
   ROWS_TESTS(name, tests)
 #define ROW_LIKE(name, suffix, tests) ROWS_TESTS(name##suffix, tests)
@@ -80,9 +81,8 @@ static_assert(std::size(ROWS_TABLE) == ROWS_COUNT);
 
 #ifdef ROWS_BIND_VALUES
 // Bind the descriptions.
-#define ROW(name, format, values, tests)                                  \
-  InitializeCmdParaTable(&symPara##name, ROWS_LENGTH(cmdParaList##name), \
-                         ROWS_FIRST(cmdParaList##name));
+#define ROW(name, format, values, tests) \
+  InitializeCmdParaTable(&symPara##name, cmdParaNum##name, ROWS_FIRST(cmdParaList##name));
 #define ROW_LIKE(name, suffix, tests)
 void ROWS_BIND_VALUES() {
 #include ROWS_FILE

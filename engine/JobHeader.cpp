@@ -20,6 +20,10 @@
 #define ROWS_BIND_TESTS BindJobHeaderTests
 #include "engine/CommandRows.h"
 
+constexpr char prtfmtStrXPJLEnterPS[] = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
+const PrtFmt prtFmtTableEnterPS[] = {{prtfmtStrXPJLEnterPS, nullptr, nullptr}};
+const std::int32_t numFmtTableEnterPS = 1;
+
 namespace {
 
 enum class CommentBlock { kNone, kShort, kLong };
@@ -35,8 +39,9 @@ bool ModelAlwaysGetsComment(const char* pcFileName) {
 // Which job summary the printer reads. A printer with a language encoding other than UTF-8 knows
 // the short one only; the long one is asked for by the PPD.
 CommentBlock ChooseCommentBlock() {
-  const char* encoding = JobPPDValue("ZLVPrinterLanguageEncoding");
-  if (encoding != nullptr && std::strcmp(encoding, "UTF-8") != 0) return CommentBlock::kShort;
+  const char* encoding = JobPPDValue(KPPDCharEncoding);
+  if (encoding != nullptr && std::strcmp(encoding, kUTF8CharEncoding) != 0)
+    return CommentBlock::kShort;
   if (encoding == nullptr) {
     const char* pcFileName = JobPPDValue("PCFileName");
     if (pcFileName == nullptr) return CommentBlock::kNone;

@@ -53,14 +53,17 @@ std::string Switched(const std::string& settings, const std::string& body) {
   return lines + "@PJL ENTER LANGUAGE=POSTSCRIPT\n" + body + kTrailer;
 }
 
-// Runs a table of rows "PostScript->settings;". "|" ends a line, "#" begins a feature's line.
+// Runs a table of rows "PostScript->settings;". "|" ends a line, "#" begins a feature's line, "~"
+// is a zero byte.
 void Check(const std::string& ppd, const std::string& table) {
   std::istringstream rows(table);
   for (std::string row; std::getline(rows >> std::ws, row, ';');) {
     const std::size_t arrow = row.find("->");
     std::string input;
     for (char c : row.substr(0, arrow)) {
-      input += c == '|' ? "\n" : c == '#' ? "%%BeginFeature: *ZLV" : std::string{c};
+      input += c == '|'   ? "\n"
+               : c == '#' ? "%%BeginFeature: *ZLV"
+                          : std::string{c == '~' ? '\0' : c};
     }
     const FilterResult result = RunFilter(Job(input + "\n%%EOF\n", ppd));
     EXPECT_EQ(Tail(result), Switched(row.substr(arrow + 2), input + "\n\n")) << row;
@@ -78,7 +81,8 @@ TEST(Decomposed, FeatureLinesAndSettingsLines) {
     TSCR=1 GSCR=2 ISCR=3 TTRC=4 GTRC=5 TCPR=6 GCPR=7|ICPR=3 tcpr=1 GCPR=2->;
     TCPR=123 GCPR=4 ICPR=5 dict 6->@TCPR=12 @PR=1=3 @GCPR=4 @ICPR=5 @dict=6;
     7TCPR GCPR ICPR|a,8TCPR GCPR ICPR|(1)|abc,90TCPR GCPR ICPR->@=7 @a=8 @abc=90;
-    %%BeginFeature: TCPR=1 GCPR=2 ICPR=3->;)");
+    %%BeginFeature: TCPR=1 GCPR=2 ICPR=3->;
+    #TonerSaver~x Mode2|#TonerSaver Mode2~|#TonerSaver~ Mode2|#OutputMode 600x600~->;)");
   const std::string color = "*ColorDevice: True\n*OpenUI *ZLVGrayBalance/x: PickOne\n";
   Check(color + "*ZLVGrayBalance True/x: \"\"\n*CloseUI: *ZLVGrayBalance\n", R"( no feature->;
     #OutputMode 600x600|#TonerSaver Mode2->@TRAP=OFF @PSBR=0 @RGBP=SRGB @RGBG=22 ECONOMODE=OFF

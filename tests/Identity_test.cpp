@@ -64,10 +64,8 @@ TEST(Accounting, EveryJobSaysWhereItComesFrom) {
 TEST(Accounting, UnknownNamesHavePlaceholders) {
   for (char* name : {HostNameStr, StdUserName, StdJBAUserName, StdDocumentName}) *name = '\0';
   CopyBounded(IPAddressStr, "I0A010203");
-  // The login user's row without a login user is cut in front of its value.
   EXPECT_EQ(Written(kLatin1PPD, "", WriteAccounting),
-            Attributes("@CNAM=UnknownHost$@LUNA=UnknownUser$@HOAD=I0A010203$@NLPP=1$") +
-                "@PJL SET JOBATTR=\"");
+            Attributes("@CNAM=UnknownHost$@LUNA=UnknownUser$@HOAD=I0A010203$@NLPP=1$@JOAU=^"));
   *IPAddressStr = '\0';
 }
 

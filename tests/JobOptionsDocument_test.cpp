@@ -166,16 +166,16 @@ TEST(JobOptionsDocument, ListsThePPDAttributesThatAreRead) {
   read.merge(
       NamesInSources("(CheckIfPPDKeywordSupported|ppdFindAttr_ALT)\\([^\"),]*,? ?[^\"),]*"
                      "\\(?\\)?, \"([^\"]+)\""));
-  for (const std::string& constant : NamesInSources("(JobPPDValueIs|ppdFindOption)\\([^;]*"
-                                                    "(kPPD[A-Za-z]+)")) {
+  for (const std::string& constant : NamesInSources(
+           "(JobPPDValue|JobPPDValueIs|ppdFindOption)\\((JobPPD\\(\\), )?([kK]PPD[A-Za-z]+)")) {
     const Names values = NamesInSources(constant + "\\[\\] = \"([^\"]+)\"");
     read.insert(values.begin(), values.end());
   }
   EXPECT_EQ(documented, read);
 }
 
-// Every option of the PPDs whose choice is in the PostScript, and so the filter's business, is in the
-// document.
+// Every option of the PPDs whose choice is in the PostScript, and so the filter's business, is in
+// the document.
 TEST(JobOptionsDocument, MentionsTheOptionsOfThePPDs) {
   const std::string text = FileContent(SOURCE_DIR "/docs/job-options.md");
   const auto options =

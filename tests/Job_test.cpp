@@ -134,6 +134,19 @@ TEST(Job, LongHostNamesAreCutForUTF8Printers) {
 }
 #endif
 
+TEST(Job, AUserNameWithoutALetterThatThePrinterKnowsIsAnEmptyOne) {
+  const ScratchFolder folder;
+  FilterJob job = JobWith("");
+  job.arguments[1] = "\u0395\u03BB\u03AD\u03BD\u03B7";
+  job.environment["PPD"] =
+      folder.write("ppd", PPDText("*ZLVPrinterLanguageEncoding: \"ISOLatin1\"\n"));
+  const std::string attribute = "@PJL SET JOBATTR=\"@";
+  EXPECT_NE(
+      RunFilter(job).output.find(attribute + "LUNA=UnknownUser\"\n" + attribute + "NLPP=1\"\n" +
+                                 attribute + "JOAU=\"\r\n" + attribute + "ACNA=title\"\r\n"),
+      std::string::npos);
+}
+
 TEST(Job, ATitleWithALineEndIsNoName) {
   for (const char* title : {"two\nlines", "two\rlines", "\n"}) {
     FilterJob job = JobWith("");

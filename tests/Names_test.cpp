@@ -164,6 +164,7 @@ TEST(HostIdentity, PicksTheFirstIPv4OrTheLastIPv6) {
   EXPECT_FALSE(getHostAddress("10.1.2.3", nullptr, 5));
   EXPECT_FALSE(getHostAddress(nullptr, out, 5));
   EXPECT_FALSE(getHostAddress("name.invalid", out, sizeof out));
+  EXPECT_EQ(MyResolveNameToAddress("10.1.2.3"), 1);  // for nobody
 }
 
 TEST(HostIdentity, ProgrammingErrorsStopTheProcess) {

@@ -120,6 +120,14 @@ TEST(SpecialPages, CommandsPairWithTheEntriesOfTheirKind) {
   for (const auto& c : cases) EXPECT_EQ(Sizes(c.commands), c.sizes) << c.commands;
 }
 
+TEST(SpecialPages, KeywordsStandAtTheEvenPlacesBelowTheCount) {
+  for (const auto& [count, result] : {std::pair(6, 0), {5, 0}, {4, -1}, {0, -1}, {-1, -1}}) {
+    char word[kSpecialPageFieldSize] = {};
+    EXPECT_EQ(getSpecialPageXPJLValue("two-sided-short-edge", SidesXPJLComm, count, word), result);
+    EXPECT_STREQ(word, result == 0 ? "TUMBLE" : "");
+  }
+}
+
 TEST(SpecialPages, LongFieldsAndHostileCountsAreHarmless) {
   const std::string x(63, 'x');  // a field's 63 characters; of a ticket 255 count
   const std::string one = "InsertionCount=1 Insertion_0=0,1,2",

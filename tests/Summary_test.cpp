@@ -4,12 +4,14 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "modules/booklet/Booklet.h"
 #include "modules/comment/Comment.h"
 #include "modules/quality/Quality.h"
 #include "tests/support/Tickets.h"
+#include "text/BoundedText.h"
 
 namespace {
 
@@ -147,6 +149,12 @@ TEST(Comment, SummarisesWholeJobs) {
             "PAGECOPIES=2 JOBCOPIES=1 DUPLEXTYPE=TUMBLE COLORMODE=GRAYSCALE NUP=2 STAPLE=OFF "
             "BOOKLETTYPE=TYPE[MANUALDIVIDE]:THRESHOLD[5] ORIENTATION=ROTATEDPORTRAIT "
             "NUPEX=RIGHTTODOWN SADDLESTAPLE=ON MIXEDSIZETYPE=NONE CUD=OFF");
+}
+
+TEST(Comment, KeepsItsCollationWhenTheOptionsSayNothingOfIt) {
+  CopyBounded(psoptioncomment.collate, "collate");
+  CommentGetTicketFromPDE(Arguments("ZLVStaple=None"));
+  EXPECT_STREQ(std::exchange(psoptioncomment, {}).collate, "collate");
 }
 
 TEST(Comment, FollowsTheRulesOfEachItem) {

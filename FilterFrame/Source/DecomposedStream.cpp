@@ -102,15 +102,14 @@ void PutFeature(std::string_view line, FeatureState& state) {
     if (feature.value == "600x600") state.resolution = 600;
     if (feature.value == "1200x1200") state.resolution = 1200;
   }
-  if (JobPPDValueIs(kPPDDeviceColor, "False") && IsKeyword(feature, KPPDHalfToneKey)) {
+  if (JobPPDValueIs(kPPDDeviceColor, DeviceColorModeMono) && IsKeyword(feature, KPPDHalfToneKey)) {
     PutHalftone(feature.value);
-  } else if (state.defaultsPending && JobPPDValueIs(kPPDDeviceColor, "True")) {
+  } else if (state.defaultsPending && JobPPDValueIs(kPPDDeviceColor, DeviceColorModeColor)) {
     state.defaultsPending = false;
     OutputPJLCommandForPPDKeyArray(PPDKeyArray, JobPPD());
   }
   PutResolution(state);
-  const char* command =
-      GetThePJLCommandfromKeywordsandMarkedValue(feature.keyword.c_str(), feature.value.c_str());
+  const char* command = GetThePJLCommandfromKeywordsandMarkedValue(feature.keyword, feature.value);
   if (command != nullptr) Put(command);
 }
 

@@ -39,6 +39,6 @@ extern char IPAddressStr[46];  // its encoded address; the job flow leaves it em
 
 extern std::FILE* gJobFilefp;  // the open job copy, or null
 
-extern volatile std::sig_atomic_t CancelJob;         // 1 after SIGTERM; the streams poll it
-extern volatile std::sig_atomic_t CancelJobByUser;   // 1 with it after SIGINT, SIGHUP: no file stays
+extern volatile std::sig_atomic_t CancelJob;        // 1 after SIGTERM; the streams poll it
+extern volatile std::sig_atomic_t CancelJobByUser;  // 1 with it after SIGINT, SIGHUP: no file stays
 extern volatile std::sig_atomic_t CancelJobForPipe;  // 1 after SIGPIPE; decides the exit status

@@ -61,7 +61,7 @@ extern const TicketData JBAticketDataAdmin[JBATicketDataNumAdmin];
 extern const TicketData JBAticketDataAdminForUTF8[JBATicketDataNumAdmin];
 
 // The lines of both modes.
-inline constexpr std::int32_t JBAFmtTableCommonNum = 42;
+inline constexpr std::int32_t JBAFmtTableCommonNum = 43;
 inline constexpr std::int32_t JBAFmtTableAdminNum = 35;
 extern const PrtFmt JBAFmtTableCommon[JBAFmtTableCommonNum];
 extern const PrtFmt JBAFmtTableAdmin[JBAFmtTableAdminNum];

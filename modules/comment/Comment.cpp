@@ -229,7 +229,9 @@ void PutPunchDetail() {
 }  // namespace
 
 void CommentGetTicketFromPDE(char* args[]) {
-  psoptioncomment = {};
+  CommentOption cleared = {};
+  CopyBounded(cleared.collate, psoptioncomment.collate);
+  psoptioncomment = cleared;
   GetTicketFromArray(args, CommentticketData, CommentTicketDataNum);
 
   const std::string_view options = args[5];

@@ -29,10 +29,29 @@ struct CommentOption {
 };
 extern CommentOption psoptioncomment;
 
+// The job options.
+inline constexpr char kSidesTicketKey[] = "sides";
+inline constexpr char kColorModeTicketKey[] = "ZLVColorMode";
+inline constexpr char kNumberUpTicketKey[] = "number-up";
+inline constexpr char kStapleTicketKey[] = "ZLVStaple";
+inline constexpr char kZRPunchTicketKey[] = "ZLVPunch";
+inline constexpr char kZRPunchHoleTicketKey[] = "ZLVNumPunchHoles";
+inline constexpr char kZRSignatureTicketKey[] = "ZLVSignature";
+inline constexpr char kZRSigVolTicketKey[] = "ZLVSigVol";
+inline constexpr char KLineWeightAdjustment[] = "ZLVLineWeightAdjustment";
+inline constexpr char kTonerSaverKey[] = "ZLVTonerSaver";
+inline constexpr char kDetailedTonerSaverKey[] = "ZLVTonerReductionRate";
+inline constexpr char kDuplexBindingEdgeTicketKey[] = "DuplexBindingEdge..n.";
+inline constexpr char kCopiesTicketKey[] = "com.apple.print.PrintSettings.PMCopies..n.";
+inline constexpr char kOrientationTicketKey[] = "orientation-requested";
+inline constexpr char kLayoutDirectionTicketKey[] =
+    "com.apple.print.PrintSettings.PMLayoutDirection..n.";
+
 inline constexpr std::int32_t CommentTicketDataNum = 15;
 extern const TicketData CommentticketData[CommentTicketDataNum];
 
-// Fills psoptioncomment from the filter's argument vector.
+// Fills psoptioncomment from the filter's argument vector. The collate field keeps its value when
+// the options hold neither word.
 void CommentGetTicketFromPDE(char* args[]);
 
 // The lines of the block, to standard output: what every summary begins with, what both versions

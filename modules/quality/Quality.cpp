@@ -42,20 +42,23 @@ constexpr FeatureLine kWrittenFeatureLines[] = {
 #undef LINE
 };
 
-// The densities of each colour's dark, middle and light tones: seven choices for seven levels.
-constexpr std::string_view kDensityColors[] = {"Cyan", "Magenta", "Yellow", "Black"};
-constexpr char kDensityColorCodes[] = "CMYK";
-constexpr std::string_view kDensityBands[] = {"Low", "Mid", "High"};
+constexpr struct {
+  std::string_view keyword;
+  std::string_view attribute;
+} kDensities[] = {
+#define DENSITY(color, band, code) {KPPDColorDensity##color##band, code},
+#include "modules/quality/ColorDensities.def"
+#undef DENSITY
+};
+// Seven choices for seven levels.
 constexpr std::string_view kDensityChoices[] = {"-3", "-2", "-1", "0", "+1", "+2", "+3"};
 
-constexpr FeatureLine DensityLine(std::size_t color, std::size_t band, std::size_t level) {
-  FeatureLine row = Line("ZLVColorDensity", kDensityChoices[level], "@PJL SET JOBATTR=\"@AJ");
-  Append(row.keyword, kDensityColors[color]);
-  Append(row.keyword, kDensityBands[band]);
-  const char assignment[] = {kDensityColorCodes[color], kDensityBands[band][0], '=',
-                             static_cast<char>('0' + level)};
-  Append(row.line, std::string_view(assignment, sizeof assignment));
-  Append(row.line, "\"\n");
+constexpr FeatureLine DensityLine(std::string_view keyword, std::string_view attribute,
+                                  std::size_t level) {
+  FeatureLine row = Line(keyword, kDensityChoices[level], "@PJL SET JOBATTR=\"@");
+  const char value[] = {'=', static_cast<char>('0' + level), '"', '\n'};
+  Append(row.line, attribute);
+  Append(row.line, std::string_view(value, sizeof value));
   return row;
 }
 
@@ -63,11 +66,9 @@ constexpr auto MakeFeatureTable() {
   std::array<FeatureLine, kFeatureLineCount> table = {};
   auto next =
       std::copy(std::begin(kWrittenFeatureLines), std::end(kWrittenFeatureLines), table.begin());
-  for (std::size_t color = 0; color < std::size(kDensityColors); color++) {
-    for (std::size_t band = 0; band < std::size(kDensityBands); band++) {
-      for (std::size_t level = 0; level < std::size(kDensityChoices); level++) {
-        *next++ = DensityLine(color, band, level);
-      }
+  for (const auto& density : kDensities) {
+    for (std::size_t level = 0; level < std::size(kDensityChoices); level++) {
+      *next++ = DensityLine(density.keyword, density.attribute, level);
     }
   }
   if (next != table.end()) throw "rows are missing";
@@ -80,7 +81,7 @@ void Put(const char* line) {
 
 void PutFeature(const char* keyword, const char* choice) {
   const std::string feature = std::string("*") + keyword;
-  const char* line = GetThePJLCommandfromKeywordsandMarkedValue(feature.c_str(), choice);
+  const char* line = GetThePJLCommandfromKeywordsandMarkedValue(feature, choice);
   if (line != nullptr) Put(line);
 }
 
@@ -143,26 +144,26 @@ constexpr std::array<FeatureLine, kFeatureLineCount> FeaturePPDKeyNameandMarkedV
     MakeFeatureTable();
 
 constexpr PPDKeyDefault PPDKeyArray[] = {
-    {"ZLVSetTrapMode", "False"},   {"ZLVGrayBalance", "False"},
-    {"ZLVBrightnes", "Normal"},    {"ZLVRGBInputProfile", "SRGB"},
-    {"ZLVRGBBCorrection", "Dark"},  // deliberately not "Standard"
-    {"ZLVTonerSaver", "False"},    {nullptr, nullptr},
+    {KPPDTrapModeKey, "False"},      {KPPDGrayBalanceKey, "False"},
+    {KPPDBrightnessKey, "Normal"},   {KPPDRGBInputProfileKey, "SRGB"},
+    {KPPDRGBBCorrectionKey, "Dark"},  // deliberately not "Standard"
+    {KPPDTonerSaverKey, "False"},    {nullptr, nullptr},
 };
 
 int IsColorDeivce() {
-  return JobPPDValueIs(kPPDDeviceColor, "True") ? 1 : 0;
+  return JobPPDValueIs(kPPDDeviceColor, DeviceColorModeColor) ? 1 : 0;
 }
 
 int getDefaultColorMode() {
   if (!PPDOffersColorMode()) return 0;
   const ppd_option_t* option = ppdFindOption(JobPPD(), kPPDDefaultZRColorMode);
-  return std::strcmp(option->defchoice, "Color") == 0 ? 1 : 0;
+  return std::strcmp(option->defchoice, DefaultZRColorModeColor) == 0 ? 1 : 0;
 }
 
 ColorMode JobColorMode() {
   const std::string_view mode = psoptioncomment.colorMode;
-  if (mode == "Color") return ColorMode::kColor;
-  if (mode == "Black") return ColorMode::kGrayscale;
+  if (mode == DefaultZRColorModeColor) return ColorMode::kColor;
+  if (mode == DefaultZRColorModeBlack) return ColorMode::kGrayscale;
   if (!mode.empty()) return PPDOffersColorMode() ? ColorMode::kUnknown : ColorMode::kGrayscale;
   return IsColorDeivce() == 1 && getDefaultColorMode() == 1 ? ColorMode::kColor
                                                             : ColorMode::kGrayscale;
@@ -173,7 +174,7 @@ void OutputXPJLCommandForTonerSaver() {
   if (saver.empty()) return;
   if (saver == "UserInput") return PutUserReductionRate();
   for (const auto& row : kTonerSavers) {
-    if (saver == row.option) PutFeature("ZLVTonerSaver", row.choice);
+    if (saver == row.option) PutFeature(KPPDTonerSaverKey, row.choice);
   }
   Put("@PJL SET REDUCTIONRATE=0\n");
 }
@@ -183,13 +184,13 @@ void OutputXPJLCommandOthers() {
   PutRenderMode();
 }
 
-const char* GetThePJLCommandfromKeywordsandMarkedValue(const char* keyword, const char* choice) {
-  if (*keyword != '*') return nullptr;
+const char* GetThePJLCommandfromKeywordsandMarkedValue(std::string_view keyword,
+                                                       std::string_view choice) {
+  if (!keyword.starts_with('*')) return nullptr;
+  keyword.remove_prefix(1);
   const auto& table = FeaturePPDKeyNameandMarkedValuetoPJLCommand;
   for (auto row = table.begin(); row != table.end() - 1; row++) {
-    if (std::strcmp(row->keyword, keyword + 1) == 0 && std::strcmp(row->choice, choice) == 0) {
-      return row->line;
-    }
+    if (row->keyword == keyword && row->choice == choice) return row->line;
   }
   return nullptr;
 }

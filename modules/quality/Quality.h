@@ -7,12 +7,33 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
+// Keywords of the PPD's features.
+inline constexpr char KPPDTrapModeKey[] = "ZLVSetTrapMode";
+inline constexpr char KPPDLetterHeadDuplexKey[] = "ZLVLetterHeadDuplexMode";
+inline constexpr char KPPDGrayBalanceKey[] = "ZLVGrayBalance";
 inline constexpr char KPPDOutputModeKey[] = "ZLVOutputMode";
 inline constexpr char KPPDFrameModeKey[] = "ZLVFrameMode";
+inline constexpr char KPPDBrightnessKey[] = "ZLVBrightnes";  // as the PPDs have it
+inline constexpr char KPPDRGBInputProfileKey[] = "ZLVRGBInputProfile";
+inline constexpr char KPPDRGBBCorrectionKey[] = "ZLVRGBBCorrection";
+inline constexpr char KPPDTonerSaverKey[] = "ZLVTonerSaver";
+inline constexpr char KPPDSaveBlankSheetKey[] = "ZLVSaveBlankSheet";
 inline constexpr char KPPDHalfToneKey[] = "ZLVHalftone";
+inline constexpr char KPPDMonochromePriority[] = "ZLVMonochromePriority";
+#define DENSITY(color, band, code) \
+  inline constexpr char KPPDColorDensity##color##band[] = "ZLVColorDensity" #color #band;
+#include "modules/quality/ColorDensities.def"
+#undef DENSITY
+
+// An attribute and an option that say how a printer prints, and their values.
 inline constexpr char kPPDDeviceColor[] = "ColorDevice";
+inline constexpr char DeviceColorModeMono[] = "False";
+inline constexpr char DeviceColorModeColor[] = "True";
 inline constexpr char kPPDDefaultZRColorMode[] = "ZLVColorMode";
+inline constexpr char DefaultZRColorModeBlack[] = "Black";
+inline constexpr char DefaultZRColorModeColor[] = "Color";
 
 // A PPD feature and the complete PJL line for one of its choices.
 struct FeatureLine {
@@ -46,8 +67,10 @@ void OutputXPJLCommandForTonerSaver();
 void OutputXPJLCommandOthers();
 
 // The line for a feature, or null. `keyword` is the token of the %%BeginFeature: comment, with its
-// asterisk. The search ends one row short: the last row of the table is never found.
-const char* GetThePJLCommandfromKeywordsandMarkedValue(const char* keyword, const char* choice);
+// asterisk; both texts are compared over their whole length. The search ends one row short: the
+// last row of the table is never found.
+const char* GetThePJLCommandfromKeywordsandMarkedValue(std::string_view keyword,
+                                                       std::string_view choice);
 
 // Writes the default line of each keyword in `list` that the PPD does not offer as an option.
 void OutputPJLCommandForPPDKeyArray(const PPDKeyDefault* list, ppd_file_t* ppd);

@@ -14,6 +14,7 @@
 
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "engine/AttributeLine.h"
+#include "modules/specialpages/XPIFTemplates.h"
 #include "text/BoundedText.h"
 
 SpecialPageOption psOptionSpecialPage;
@@ -56,6 +57,11 @@ struct Kind {
 constexpr Kind kCovers = {"0", 6, kSPXPCoverValueKey};
 constexpr Kind kInsertions = {"1", 8, kSPXPInsertionValueKey};
 constexpr Kind kExceptions = {"2", 4, kSPXPExceptionValueKey};
+
+// A value ticket has the fields of its kind's template behind one or two that choose among media.
+constexpr std::size_t kExceptionFields = 1 + XPIFFieldCount(ExceptionBlockData);
+static_assert(XPIFFieldCount(CoverBlockData) == 5 && XPIFFieldCount(InsertionBlockData) == 6,
+              "PutCover and PutInsertion take so many");
 
 struct Field {
   char text[kSpecialPageFieldSize] = {};
@@ -201,7 +207,7 @@ void PutInsertion(const char* value, const char* paperSelection) {
 }
 
 void PutException(const char* value, const char* paperSelection) {
-  Field field[10];
+  Field field[kExceptionFields];
   Fields(value).next(field);
   Put("EOVS", field[3].text);
   PutPaper(paperSelection, field[8], field[9], field[6]);
@@ -249,7 +255,7 @@ int getOneValue(const char* source, char* field) {
 }
 
 int getSpecialPageXPJLValue(const char* keyword, const char* const* table, int count, char* out) {
-  for (int i = 0; i + 1 < count; i += 2) {
+  for (int i = 0; i < count; i += 2) {
     if (std::strcmp(table[i], keyword) != 0) continue;
     CopyBounded(out, kSpecialPageFieldSize, table[i + 1]);
     return 0;

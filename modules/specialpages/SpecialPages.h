@@ -58,8 +58,9 @@ void OutputXPJLCommandForSpecialPage(char* args[]);
 // argument.
 int getOneValue(const char* source, char* field);
 
-// Copies the device word for a keyword from a table of `count` pointers into `out`
-// (kSpecialPageFieldSize bytes). Returns 0, or -1 when there is none.
+// Copies the device word for a keyword into `out` (kSpecialPageFieldSize bytes). `table` holds
+// pairs; keywords are looked for at the even places below `count`, each with its word behind it.
+// Returns 0, or -1 when there is none.
 int getSpecialPageXPJLValue(const char* keyword, const char* const* table, int count, char* out);
 
 // Writes a cover's media lines. `value` is the cover's ticket, whose media fields begin at

@@ -1,8 +1,18 @@
 // XPIF job-ticket templates for the same three kinds of special pages, with %s placeholders in the
-// order of the dialog's fields. The device takes the pages as attribute lines; the templates are
-// the reference for what each field means.
+// order of the dialog's fields. The device takes the pages as attribute lines; the templates say
+// which fields a page has and in which order they come.
 
 #pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// How many fields a template takes.
+constexpr std::size_t XPIFFieldCount(std::string_view block) {
+  std::size_t count = 0;
+  for (std::size_t at = block.find("%s"); at != block.npos; at = block.find("%s", at + 1)) count++;
+  return count;
+}
 
 inline constexpr char xpifSYSTEM[] = "xpif-v02030a.dtd";
 inline constexpr char xpifVersion[] = "1.0";
@@ -83,31 +93,29 @@ inline constexpr char ExceptionBlockStart[] = R"(    <page-overrides syntax="1se
 inline constexpr char ExceptionBlockEnd[] = R"(    </page-overrides>
 )";
 
-// Documents from and to, pages from and to, sides: what every exception begins with.
-#define XPIF_EXCEPTION_HEAD \
-  R"(        <value syntax="collection">
-                <input-documents syntax="1setOf">
-                    <value syntax="rangeOfInteger">
-                            <lower-bound syntax="integer">%s</lower-bound>
-                            <upper-bound syntax="integer">%s</upper-bound>
-                    </value>
-                </input-documents>
-                <pages syntax="1setOf">
-                    <value syntax="rangeOfInteger">
-                            <lower-bound syntax="integer">%s</lower-bound>
-                            <upper-bound syntax="integer">%s</upper-bound>
-                    </value>
-                </pages>
-                <sides syntax="keyword">%s</sides>
-                <media-col syntax="collection">
-                    <media-type syntax="name">%s</media-type>
-)"
-#define XPIF_EXCEPTION_END \
-  R"(                </media-col>
-        </value>
-)"
+// Documents from and to, pages from and to, sides and media type: what every exception begins with.
+#define XPIF_EXCEPTION_HEAD                                                        \
+  "        <value syntax=\"collection\">\n"                                        \
+  "                <input-documents syntax=\"1setOf\">\n"                          \
+  "                    <value syntax=\"rangeOfInteger\">\n"                        \
+  "                            <lower-bound syntax=\"integer\">%s</lower-bound>\n" \
+  "                            <upper-bound syntax=\"integer\">%s</upper-bound>\n" \
+  "                    </value>\n"                                                 \
+  "                </input-documents>\n"                                           \
+  "                <pages syntax=\"1setOf\">\n"                                    \
+  "                    <value syntax=\"rangeOfInteger\">\n"                        \
+  "                            <lower-bound syntax=\"integer\">%s</lower-bound>\n" \
+  "                            <upper-bound syntax=\"integer\">%s</upper-bound>\n" \
+  "                    </value>\n"                                                 \
+  "                </pages>\n"                                                     \
+  "                <sides syntax=\"keyword\">%s</sides>\n"                         \
+  "                <media-col syntax=\"collection\">\n"                            \
+  "                    <media-type syntax=\"name\">%s</media-type>\n"
+#define XPIF_EXCEPTION_END         \
+  "                </media-col>\n" \
+  "        </value>\n"
 
-// The head's six with the media type, then media colour, width, height.
+// What the head has, then media colour, width, height.
 inline constexpr char ExceptionBlockData[] = XPIF_EXCEPTION_HEAD
     R"(                    <media-color syntax="keyword">%s</media-color>
                     <media-size syntax="collection">
@@ -116,7 +124,7 @@ inline constexpr char ExceptionBlockData[] = XPIF_EXCEPTION_HEAD
                     </media-size>
 )" XPIF_EXCEPTION_END;
 
-// The head's six with the media type.
+// What the head has.
 inline constexpr char ExceptionInterposerBlockData[] = XPIF_EXCEPTION_HEAD XPIF_EXCEPTION_END;
 
 #undef XPIF_EXCEPTION_HEAD

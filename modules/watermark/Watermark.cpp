@@ -4,6 +4,7 @@
 #include "modules/watermark/Watermark.h"
 
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
@@ -25,27 +26,19 @@ constexpr double kQuarterTurn = 1.5707963;
 constexpr double kHalfTurn = 3.1415926;
 constexpr double kThreeQuarterTurns = 4.7123889000000005;
 
-// Where the text goes by the line that ends the page: each kind saves the page's state under the
-// name that its page end restores, and has a flag of its own.
-struct TextInsertion {
-  int hook;
-  const char* saveLine;
-  bool toPrint;
-};
-
-// What is still to be inserted; with a watermark on the first page only, each kind happens once.
-struct {
-  bool prolog = true;
-  bool pageSetup = true;
-  TextInsertion texts[3] = {
-      {27, "pgsave restore /pgsave save store gsave\n", true},
-      {28, "pm restore /pm save store gsave\n", true},
-      {29, "fffpgsave restore /fffpgsave save store gsave\n", true},
-  };
-} toInsert;
-
 constexpr int kAfterBeginProlog = 13;
 constexpr int kAfterEndPageSetup = 24;
+
+// Where the text goes by the line that ends the page: each kind saves the page's state under the
+// name that its page end restores.
+constexpr struct {
+  int hook;
+  const char* saveLine;
+} kTexts[] = {
+    {27, "pgsave restore /pgsave save store gsave\n"},
+    {28, "pm restore /pm save store gsave\n"},
+    {29, "fffpgsave restore /fffpgsave save store gsave\n"},
+};
 
 bool EveryPage() {
   return psOptionWatermark.onlyFirst == 0;
@@ -83,6 +76,28 @@ void InsertText(const char* saveLine, std::FILE* stream) {
   ZRfprintf(stream, "grestore\n");
 }
 
+// Writes what belongs at a boundary. With a watermark on the first page only, each kind of
+// insertion happens once; its flag says whether it is still to be made.
+void InjectTextWatermark(int hook, std::FILE* stream) {
+  static bool bToPrintProlog = true;
+  static bool bToPrintPageSetup = true;
+  static bool bToPrintText[] = {true, true, true};
+  static_assert(std::size(bToPrintText) == std::size(kTexts));
+  if (hook == kAfterBeginProlog && bToPrintProlog) {
+    InsertProlog(stream);
+    bToPrintProlog = EveryPage();
+  }
+  if (hook == kAfterEndPageSetup && bToPrintPageSetup) {
+    ZRfprintf(stream, "fffbp\n");
+    bToPrintPageSetup = EveryPage();
+  }
+  for (std::size_t kind = 0; kind < std::size(kTexts); kind++) {
+    if (hook != kTexts[kind].hook || !bToPrintText[kind]) continue;
+    InsertText(kTexts[kind].saveLine, stream);
+    bToPrintText[kind] = EveryPage();
+  }
+}
+
 }  // namespace
 
 void WatermarkGetTicketFromPDE(char* args[]) {
@@ -92,19 +107,7 @@ void WatermarkGetTicketFromPDE(char* args[]) {
 void WatermarkOutputPSCommandFromFilter(int hook, int /*page*/, std::FILE* stream) {
   if (*psOptionWatermark.name == '\0' || psOptionWatermark.type != kTextWatermark) return;
   psOptionWatermark.options = 1;
-  if (hook == kAfterBeginProlog && toInsert.prolog) {
-    InsertProlog(stream);
-    toInsert.prolog = EveryPage();
-  }
-  if (hook == kAfterEndPageSetup && toInsert.pageSetup) {
-    ZRfprintf(stream, "fffbp\n");
-    toInsert.pageSetup = EveryPage();
-  }
-  for (TextInsertion& text : toInsert.texts) {
-    if (hook != text.hook || !text.toPrint) continue;
-    InsertText(text.saveLine, stream);
-    text.toPrint = EveryPage();
-  }
+  InjectTextWatermark(hook, stream);
 }
 
 void GetWatermarkPostion(float* x, float* y, float hOffset, float vOffset) {

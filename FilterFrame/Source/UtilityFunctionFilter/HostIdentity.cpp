@@ -133,6 +133,7 @@ bool getHostAddress(const char* name, char* out, int outLen) {
   SetOutString("");
   MyResolveNameToAddress(name);
   outString = nullptr;
+  outStringLen = 0;
   return result;
 }
 

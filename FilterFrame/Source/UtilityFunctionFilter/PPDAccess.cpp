@@ -53,7 +53,7 @@ bool JobPPDValueIs(const char* name, const char* value) {
 }
 
 bool PrinterLanguageIsUTF8() {
-  return JobPPDValueIs("ZLVPrinterLanguageEncoding", "UTF-8");
+  return JobPPDValueIs(KPPDCharEncoding, kUTF8CharEncoding);
 }
 
 bool PrinterDecomposesPostScript() {

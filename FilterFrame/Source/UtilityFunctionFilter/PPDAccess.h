@@ -26,6 +26,10 @@ const char* JobPPDValue(const char* name);
 // Whether the job's PPD has the attribute `name` with exactly this value.
 bool JobPPDValueIs(const char* name, const char* value);
 
+// The attribute that names the encoding of a printer's texts, and its value for UTF-8.
+inline constexpr char KPPDCharEncoding[] = "ZLVPrinterLanguageEncoding";
+inline constexpr char kUTF8CharEncoding[] = "UTF-8";
+
 // Whether the printer takes its texts in UTF-8 rather than ISO Latin-1.
 bool PrinterLanguageIsUTF8();
 

@@ -39,9 +39,10 @@ bool MayPassLater(int error) {
 
 }  // namespace
 
-PageMarks::PageMarks(ByteReader source, Paper paper)
+PageMarks::PageMarks(ByteReader source, Paper paper, std::string definitions)
     : source_(std::move(source)),
-      prolog_(Prolog(paper)),
+      definitions_(std::move(definitions)),
+      prolog_(Prolog(paper) + definitions_),
       window_(new char[1 + kBlockSize]),
       capacity_(kBlockSize),
       begin_(window_.get() + 1),
@@ -87,6 +88,11 @@ bool PageMarks::scanWindow() {
     ready_ = begin_ + headerSize_;
     firstPageSize_ -= std::min(firstPageSize_, headerSize_);
     insertion_ = prolog_;
+    return true;
+  }
+  if (phase_ == Phase::kPass && !definitions_.empty() && std::exchange(prologDue_, false)) {
+    ready_ = begin_ + headerSize_;
+    insertion_ = definitions_;
     return true;
   }
   if (phase_ == Phase::kMark && std::exchange(firstPageDue_, false)) {

@@ -8,16 +8,13 @@
 #include <sys/types.h>
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "FilterFrame/Source/JobInput.h"
 #include "queue/DocumentStructure.h"
-
-// Reads like read(2): the number of bytes, 0 at the end, -1 with errno.
-using ByteReader = std::function<ssize_t(char* buffer, std::size_t size)>;
 
 class PageMarks {
  public:
@@ -29,7 +26,9 @@ class PageMarks {
   };
 
   explicit PageMarks(ByteReader source) : PageMarks(std::move(source), Paper{}) {}
-  PageMarks(ByteReader source, Paper paper);
+  // `definitions` are PostScript that what is drawn on the pages needs; every document gets them,
+  // behind its header comments.
+  PageMarks(ByteReader source, Paper paper, std::string definitions = {});
 
   // Reads like read(2) what the source gives, with the marks. When the source is interrupted or not
   // ready it says so and may be called again; when reading fails for another reason, that is said
@@ -67,6 +66,7 @@ class PageMarks {
   bool heldEnough() const;
 
   ByteReader source_;
+  std::string definitions_;
   std::string prolog_;
   Phase phase_ = Phase::kHeader;
   int deviceCopies_ = 1;

@@ -3,8 +3,10 @@
 
 #include <openssl/crypto.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,11 +16,17 @@
 #include "deployment/DeploymentInfo.h"
 #include "queue/Composition.h"
 #include "queue/JobMessages.h"
+#include "queue/PageMarks.h"
 
 namespace {
 
 constexpr int kFewestArguments = 6;  // the program's name included
 constexpr int kFailed = 1;
+
+// How often the printer prints each page, as the page log has it: what the document asks the
+// printer for, not what the user has asked CUPS for, since the filters ahead may have repeated the
+// pages.
+using CopiesText = char[16];
 
 int Usage() {
   std::fputs("Usage: cupstoxpjl job-id user title copies options [file]\n", stderr);
@@ -56,17 +64,34 @@ bool Report(const Composition& composition) {
   return !complaints.failed();
 }
 
+// Marks the document's pages, and keeps `copies` as the document has it.
+InputStage MarkPages(const Composition& composition, CopiesText& copies) {
+  const PageMarks::Paper paper = {static_cast<int>(std::lround(composition.page().width)),
+                                  static_cast<int>(std::lround(composition.page().height))};
+  return [&composition, &copies, paper](ByteReader source) -> ByteReader {
+    const auto marks =
+        std::make_shared<PageMarks>(std::move(source), paper, composition.definitions());
+    return [marks, &copies](char* buffer, std::size_t size) {
+      const ssize_t count = marks->read(buffer, size);
+      std::snprintf(copies, sizeof copies, "%d", marks->deviceCopies());
+      return count;
+    };
+  };
+}
+
 int Print(int argc, char* argv[]) {
   Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, TakeOptions(argv[5]));
   composition.compose(argv);
   if (!Report(composition)) return kFailed;
 
-  std::vector<char*> args(argv, argv + argc + 1);
   std::string options = composition.optionsText();
+  CopiesText copies = "1";
+  std::vector<char*> args(argv, argv + argc + 1);
   args[2] = composition.facts().user.data();
   args[3] = composition.facts().title.data();
+  args[4] = copies;
   args[5] = options.data();
-  const int status = PrintJob(argc, args.data());
+  const int status = PrintJob(argc, args.data(), MarkPages(composition, copies));
   OPENSSL_cleanse(options.data(), options.size());
   return status;
 }

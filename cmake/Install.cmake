@@ -59,8 +59,8 @@ foreach(section 1 8)
 endforeach()
 
 # CUPS would list every model twice if it found both the PPDs and the file they are made of.
-file(GLOB driver_information CONFIGURE_DEPENDS ppd/*.drv ppd/*.defs)
-install(FILES ${driver_information} DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(DIRECTORY ppd/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples DIRECTORY_PERMISSIONS ${open}
+  PATTERN CMakeLists.txt EXCLUDE)
 install(FILES README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png")

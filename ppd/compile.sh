@@ -8,7 +8,8 @@ set -eu
 ppdc=$1 drv=$2 folder=$3
 shift 3
 rm -f "$@"
-said=$("$ppdc" -d "$folder/raw" "$drv" 2>&1) || : "${said:=$ppdc failed}"
+languages=$(sed -n 's/^#po \([a-z_]*\) .*/\1/p' "$drv" | paste -sd , -)
+said=$("$ppdc" -l "en,$languages" -d "$folder/raw" "$drv" 2>&1) || : "${said:=$ppdc failed}"
 if [ -n "$said" ]; then
   echo "$said" >&2
   exit 1

@@ -26,7 +26,7 @@ if(NOT filter_dir STREQUAL "${CUPS_SERVERBIN}/filter")
     set(installed "${PROJECT_BINARY_DIR}/installed-ppds/${name}")
     add_custom_command(OUTPUT ${installed}
       COMMAND ${CMAKE_COMMAND} -E make_directory "${PROJECT_BINARY_DIR}/installed-ppds"
-      COMMAND sed "s|^\\(\\*cupsFilter:.* \\)pstoxpjl\"|\\1${filter_dir}/pstoxpjl\"|" ${ppd}
+      COMMAND sed "s|^\\(\\*cupsFilter:.* \\)cupstoxpjl\"|\\1${filter_dir}/cupstoxpjl\"|" ${ppd}
         > ${installed}
       DEPENDS ${ppd} VERBATIM)
     list(APPEND installed_ppds ${installed})
@@ -39,7 +39,7 @@ endif()
 # umask of who installs them.
 set(open OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
-install(TARGETS pstoxpjl RUNTIME DESTINATION "${filter_dir}" PERMISSIONS ${open})
+install(TARGETS pstoxpjl cupstoxpjl RUNTIME DESTINATION "${filter_dir}" PERMISSIONS ${open})
 foreach(folder "${ppd_dir}" ${CMAKE_INSTALL_DOCDIR})
   if(folder MATCHES "/(zelva|pstoxpjl)$")
     install(DIRECTORY DESTINATION "${folder}" DIRECTORY_PERMISSIONS ${open})

@@ -62,6 +62,11 @@ std::vector<JobOption> WithoutLocked(const ppd_file_t* ppd, std::vector<JobOptio
 
 std::vector<JobOption> WithAttributes(ppd_file_t* ppd, std::vector<JobOption> options,
                                       Complaints& complaints) {
+  for (const UnaskedRow& row : UnaskedRows()) {
+    std::erase_if(options, [&row](const JobOption& option) {
+      return SameName(option.name, row.attribute) && option.value == row.value;
+    });
+  }
   const auto said = Find(options, kEncryptionAttribute);
   const std::string encryption = said != options.end() ? said->value : kNoEncryption;
   for (const AttributeRow& row : AttributeRows()) {

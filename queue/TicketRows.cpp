@@ -60,19 +60,30 @@ constexpr FormRow kFormRows[] = {
 #define FAIL true
 #define WARN false
 #define ATTRIBUTE(attribute, option) {attribute, option},
+#define UNASKED(attribute, value)
 #define MEANS(option, mainOption, choice, allowed, fails)
 constexpr AttributeRow kAttributeRows[] = {
 #include "queue/Attributes.def"
 };
 #undef ATTRIBUTE
+#undef UNASKED
 #undef MEANS
 #define ATTRIBUTE(attribute, option)
+#define UNASKED(attribute, value) {attribute, value},
+#define MEANS(option, mainOption, choice, allowed, fails)
+constexpr UnaskedRow kUnaskedRows[] = {
+#include "queue/Attributes.def"
+};
+#undef UNASKED
+#undef MEANS
+#define UNASKED(attribute, value)
 #define MEANS(option, mainOption, choice, allowed, fails) \
   {option, mainOption, choice, allowed, fails},
 constexpr MeaningRow kMeaningRows[] = {
 #include "queue/Attributes.def"
 };
 #undef ATTRIBUTE
+#undef UNASKED
 #undef MEANS
 
 #define UNUSED(ticket, why) {ticket, why},
@@ -97,6 +108,10 @@ std::span<const FormRow> FormRows() {
 
 std::span<const AttributeRow> AttributeRows() {
   return kAttributeRows;
+}
+
+std::span<const UnaskedRow> UnaskedRows() {
+  return kUnaskedRows;
 }
 
 std::span<const MeaningRow> MeaningRows() {

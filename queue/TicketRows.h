@@ -53,6 +53,11 @@ struct AttributeRow {
   const char* option;
 };
 
+struct UnaskedRow {
+  const char* attribute;
+  const char* value;
+};
+
 struct MeaningRow {
   const char* option;
   const char* mainOption;
@@ -70,6 +75,7 @@ std::span<const TicketRow> TicketRows();
 std::span<const NeedRow> NeedRows();
 std::span<const FormRow> FormRows();
 std::span<const AttributeRow> AttributeRows();
+std::span<const UnaskedRow> UnaskedRows();
 std::span<const MeaningRow> MeaningRows();
 std::span<const UnusedRow> UnusedRows();
 

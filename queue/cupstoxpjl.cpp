@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -17,6 +18,7 @@
 #include "queue/Composition.h"
 #include "queue/JobMessages.h"
 #include "queue/PageMarks.h"
+#include "queue/TicketRows.h"
 
 namespace {
 
@@ -36,6 +38,15 @@ int Usage() {
 int Version() {
   const bool written = std::fputs(VersionText("cupstoxpjl").c_str(), stdout) >= 0;
   return written && std::fflush(stdout) == 0 ? 0 : kFailed;
+}
+
+// Whether the filter that arranges the pages of PDF has reported them to the page log already. It
+// does by itself only where nobody behind it would; an option can make it.
+bool PagesAreLogged(const Choices& choices) {
+  const std::string* logging = choices.given("page-logging");
+  const char* type = std::getenv("CONTENT_TYPE");
+  return logging != nullptr && HasWord("on true yes", *logging) && type != nullptr &&
+         std::strstr(type, "postscript") == nullptr;
 }
 
 // The job's options. The argument is overwritten: CUPS puts a PIN there in clear, and everybody on
@@ -89,7 +100,7 @@ int Print(int argc, char* argv[]) {
   std::vector<char*> args(argv, argv + argc + 1);
   args[2] = composition.facts().user.data();
   args[3] = composition.facts().title.data();
-  args[4] = copies;
+  args[4] = PagesAreLogged(composition.choices()) ? nullptr : copies;
   args[5] = options.data();
   const int status = PrintJob(argc, args.data(), MarkPages(composition, copies));
   OPENSSL_cleanse(options.data(), options.size());

@@ -67,6 +67,7 @@ bool OutputTokenLine(const PostScriptToken& token, std::string_view line, Stream
 }
 
 void OutputPageLogCommand(int page, char* argv[]) {
+  if (argv[4] == nullptr) return;
   std::int32_t version = 0;
   Gestalt_ALT(kSystemVersion, &version);
   if (version >= kFirstSystemWithPageLog) std::fprintf(stderr, "PAGE:%d %s\n", page, argv[4]);

@@ -33,7 +33,7 @@ bool OutputTokenLine(const PostScriptToken& token, std::string_view line, Stream
                      std::FILE* stream, char* argv[]);
 
 // Tells CUPS of a printed page, where the system counts pages this way: page number and argv[4],
-// the copies, on standard error.
+// the copies, on standard error. Null copies: another program has told CUPS.
 void OutputPageLogCommand(int page, char* argv[]);
 
 // Copies the job option ZLVOutputMode into g_DLOutputMode. Returns 1, or 0 when it is absent. A

@@ -12,7 +12,8 @@ void PrepareProcess();
 void PrepareHeader(char* argv[]);
 
 // Prints a job to standard output: header, PostScript, trailer. `argv` is the filter's argument
-// vector: job identifier, user, title, copies and options behind the program's name, and with an
+// vector: job identifier, user, title, copies (null: no page log) and options behind the program's
+// name, and with an
 // `argc` of 7 the document's file, which else comes from standard input. The document passes
 // through `stage` if there is one. Returns the exit status.
 int PrintJob(int argc, char* argv[], const InputStage& stage = {});

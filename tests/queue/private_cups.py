@@ -45,9 +45,9 @@ class PrivateCUPS:
         links += [(f"bin/filter/{path.name}", path) for path in (server_bin / "filter").iterdir()]
         links += [(f"data/{path.name}", path) for path in data_dir.iterdir()]
         for name, target in links:
-            if name not in ("bin/filter/pstoxpjl", "data/model"):
+            if name not in ("bin/filter/cupstoxpjl", "data/model"):
                 (folder / name).symlink_to(target)
-        self.filter = shutil.copy(staged_filter, folder / "pstoxpjl")
+        self.filter = shutil.copy(staged_filter, folder / "filter")
         shutil.copytree(staged_ppds, folder / "data/model/zelva")
         owner = pwd.getpwuid(os.getuid())
         self.identity = {}
@@ -55,7 +55,7 @@ class PrivateCUPS:
             owner = pwd.getpwnam("nobody")
             self.identity = {"user": owner.pw_uid, "group": owner.pw_gid, "extra_groups": []}
         for name, source in [("etc/cupsd.conf", "cupsd.conf"), ("etc/cups-files.conf", "cups-files.conf"),
-                             ("bin/filter/pstoxpjl", "keep-input")]:
+                             ("bin/filter/cupstoxpjl", "keep-input")]:
             text = string.Template((pathlib.Path(__file__).parent / f"{source}.in").read_text())
             (folder / name).write_text(text.substitute(
                 folder=folder, user=owner.pw_name, group=grp.getgrgid(owner.pw_gid).gr_name))

@@ -16,7 +16,7 @@ import private_cups
 BUILD, SERVER_BIN, DATA_DIR, SAMPLE = (
     pathlib.Path(os.environ[name]) for name in ("BUILD_DIR", "SERVER_BIN", "DATA_DIR", "SAMPLE"))
 STAGE = BUILD / "tests/queue/stage"
-FILTER = pathlib.Path(f"{STAGE}{os.environ['FILTER_DIR']}/pstoxpjl")
+FILTER = pathlib.Path(f"{STAGE}{os.environ['FILTER_DIR']}/cupstoxpjl")
 PPD_DIR = pathlib.Path(f"{STAGE}{os.environ['PPD_DIR']}")
 TICKET = "com.zelva.jt.printsettings.ps.ww."
 DIRECT = ["-o", "document-format=application/vnd.cups-postscript"]  # CUPS changes nothing in it
@@ -79,7 +79,7 @@ class Options(Queue):
         self.cups.add("latin1", "kontor-m20", self.device)
         self.cups.add("decomposed", "atelier-c60", self.device)
         self.cups.run("lpoptions", "-p", "plain/draft", "-o", "ZLVTonerSaver=Mode2")
-        awkward = 'Budget, "final" = 100% it\'s \\o/ äö'
+        awkward = "Budget, 'final' = 100% it's \\o/ äö"
         quoted = "'" + awkward.replace("\\", "\\\\").replace("'", "\\'") + "'"
         sealed = subprocess.run([os.environ["XPJL_PASSWORD"]], input="open sesame", text=True,
                                 capture_output=True, check=True).stdout.strip()
@@ -121,16 +121,18 @@ class Options(Queue):
 class Pages(Queue):
     def test_the_page_log_has_the_number_of_printed_pages(self):
         self.cups.add("q", "atelier-c90", self.device)
-        self.cups.add("counting", "atelier-c90", self.device, "-o", "page-logging-default=on")
-        jobs = {self.cups.lp(*arguments): pages for pages, *arguments in [
-            (4, "q", self.sample),
-            (12, "q", "-n", "3", self.sample),
-            (4, "q", *DIRECT, self.sample),
-            (4, "counting", self.sample),  # not twice
-            (4, "counting", self.pdf),
-            (8, "counting", "-n", "2", self.pdf),
-            (2, "counting", "-o", "number-up=2", self.pdf),
-            (1, "counting", self.text),
+        logged = ["-o", "page-logging=on"]  # the filter that arranges pages reports them, but not PostScript
+        jobs = {self.cups.lp("q", *arguments): pages for pages, *arguments in [
+            (4, self.sample),
+            (12, "-n", "3", self.sample),
+            (4, *DIRECT, self.sample),
+            (4, self.pdf),
+            (12, "-n", "3", "-o", "collate=true", self.pdf),
+            (8, "-n", "2", "-o", "Collate=False", self.pdf),
+            (2, "-o", "number-up=2", self.pdf),
+            (1, self.text),
+            (4, *logged, self.pdf),
+            (4, *logged, self.sample),
         ]}
         self.assertEqual(self.cups.page_log(len(jobs)), jobs)
 

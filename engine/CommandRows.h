@@ -6,6 +6,9 @@
 //   ROWS_COUNT       the number of rows the device's manual lists
 //   ROWS_BIND_VALUES name of the function to define that binds each row's value list
 //   ROWS_BIND_TESTS  the same for each row's condition; a file of ROW_SAME needs neither
+//   ROWS_LIST        name of the `const RowTable` to define, which the module is registered with;
+//                    a row that is a table of its own has rowTable<Name>
+//   ROWS_USED        a bool() that says whether the printer gets the table; without it all do
 //
 // A row is
 //
@@ -33,6 +36,10 @@
 #define ROWS_LENGTH(list) (static_cast<std::int32_t>(std::size(list)) - 1)
 #define ROWS_FIRST(list) (std::data(list) + 1)
 #define ROWS_UNLESS_EMPTY(list, object) (ROWS_LENGTH(list) > 0 ? &object : nullptr)
+
+// Text as it is written, macros in it expanded.
+#define ROWS_LITERAL(...) #__VA_ARGS__
+#define ROWS_TEXT(...) ROWS_LITERAL(__VA_ARGS__)
 
 // Define the objects.
 #define ROWS_TESTS(name, ...)                                                           \
@@ -68,13 +75,32 @@ const PrtFmt ROWS_TABLE[] = {
 #include ROWS_FILE
 };
 static_assert(std::size(ROWS_TABLE) == ROWS_COUNT);
+#undef ROW
+#undef ROW_LIKE
+#undef ROW_SAME
+
+// The rows' own text. One literal costs the filter nothing: no job looks at it.
+#define ROW(name, format, values, tests) #name "\0" ROWS_TEXT(tests) "\0"
+#define ROW_LIKE(name, suffix, tests) #name #suffix "\0" ROWS_TEXT(tests) "\0"
+#define ROW_SAME(name) #name "\0\0"
+#ifndef ROWS_USED
+#define ROWS_USED nullptr
+#endif
+constexpr RowTable ROWS_LIST = {.name = ROWS_TEXT(ROWS_TABLE),
+                                .rows = ROWS_TABLE,
+                                .used = ROWS_USED,
+                                .texts =
+#include ROWS_FILE
+};
 #undef ROW_LIKE
 #undef ROW_SAME
 #define ROW_SAME(name)
 #else
 #define ROW(name, format, values, tests)                       \
   const PrtFmt prtFmtTable##name[] = {ROWS_ENTRY(name, name)}; \
-  const std::int32_t numFmtTable##name = 1;
+  const std::int32_t numFmtTable##name = 1;                    \
+  constexpr RowTable rowTable##name = {"prtFmtTable" #name, prtFmtTable##name, nullptr, \
+                                       #name "\0" ROWS_TEXT(tests) "\0"};
 #include ROWS_FILE
 #endif
 #undef ROW
@@ -109,11 +135,15 @@ void ROWS_BIND_TESTS() {
 #undef ROWS_UNLESS_EMPTY
 #undef ROWS_FIRST
 #undef ROWS_LENGTH
+#undef ROWS_TEXT
+#undef ROWS_LITERAL
 #undef TESTS
 #undef VALUES
 #undef LF
 #undef CR
 #undef QUOTE
+#undef ROWS_USED
+#undef ROWS_LIST
 #undef ROWS_BIND_TESTS
 #undef ROWS_BIND_VALUES
 #undef ROWS_COUNT

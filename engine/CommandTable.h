@@ -71,6 +71,15 @@ struct PrtFmt {
   const Comparation* condition;  // null: always
 };
 
+// A table as its module lists it. `texts` holds for each row its name and its tests as they are
+// written, each with a NUL behind it; no tests for a row that is another table's.
+struct RowTable {
+  const char* name;  // as the sources name it
+  std::span<const PrtFmt> rows;
+  bool (*used)() = nullptr;  // whether the job's printer gets it; null: every printer does
+  const char* texts;
+};
+
 // The longest line a row can give, with its terminator, in bytes.
 inline constexpr std::size_t kCommandSize = 2048;
 

@@ -65,6 +65,15 @@ void OutputCommentBlock(CommentBlock block) {
 
 }  // namespace
 
+std::vector<const RowTable*> RowTables() {
+  std::vector<const RowTable*> tables = {&rowTableXPJLHead, &rowTableXPJLJobMode};
+  for (const Module& module : Modules()) {
+    tables.insert(tables.end(), module.rows.begin(), module.rows.end());
+  }
+  tables.insert(tables.end(), {&rowTableEnterPS, &rowTableXPJLTrailer});
+  return tables;
+}
+
 void InializeDescriptionTable() {
   BindJobHeaderValues();
   BindJobHeaderTests();

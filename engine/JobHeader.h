@@ -3,18 +3,26 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "engine/CommandTable.h"
 
 // The frame lines, each a table of one row.
 extern const PrtFmt prtFmtTableXPJLHead[];  // exit sequence
 extern const std::int32_t numFmtTableXPJLHead;
+extern const RowTable rowTableXPJLHead;
 extern const PrtFmt prtFmtTableXPJLJobMode[];  // job mode
 extern const std::int32_t numFmtTableXPJLJobMode;
+extern const RowTable rowTableXPJLJobMode;
 extern const PrtFmt prtFmtTableXPJLTrailer[];  // exit sequence and end of job
 extern const std::int32_t numFmtTableXPJLTrailer;
+extern const RowTable rowTableXPJLTrailer;
 extern const PrtFmt prtFmtTableEnterPS[];  // switch into PostScript
 extern const std::int32_t numFmtTableEnterPS;
+extern const RowTable rowTableEnterPS;
+
+// Every table of rows, those of the frame and of all modules, in the order of the header.
+std::vector<const RowTable*> RowTables();
 
 // Binds the frame lines and every module's rows. Called once, before any output.
 void InializeDescriptionTable();

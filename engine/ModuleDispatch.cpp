@@ -22,30 +22,40 @@ constexpr TicketTable kPBindTickets[] = {{PBindticketData, PBindticketData}};
 constexpr TicketTable kCommentTickets[] = {{CommentticketData, CommentticketData}};
 constexpr TicketTable kSpecialPageTickets[] = {{SpecialPageTicketData, SpecialPageTicketData}};
 
+constexpr const RowTable* kPrintTypeRows[] = {&PrintTypeRows, &PrintTypePartRows};
+constexpr const RowTable* kJBARows[] = {&JBARowsAdmin, &JBARowsCommon};
+constexpr const RowTable* kFeaturesRows[] = {&FeaturesRows};
+
 constexpr Module kModules[] = {
-    {"printtype",
-     PrintTypeGetTicketFromPDE,
-     PrintTypeInializeDescriptionTableFromFilter,
-     PrintTypeOutputXPJLCommandFromFilter,
-     kPrintTypeTickets,
-     {}},
-    {"accounting",
-     JBAGetTicketFromPDE,
-     JBAInializeDescriptionTableFromFilter,
-     JBAOutputXPJLCommandFromFilter,
-     kJBATickets,
-     {}},
-    {"features",
-     FeaturesGetTicketFromPDE,
-     FeaturesInializeDescriptionTableFromFilter,
-     FeaturesOutputXPJLCommandFromFilter,
-     kFeaturesTickets,
-     {}},
-    {"watermark", WatermarkGetTicketFromPDE, nullptr, nullptr, kWatermarkTickets, {}},
-    {"perfectbind", PBindGetTicketFromPDE, nullptr, nullptr, kPBindTickets, {}},
-    {"comment", CommentGetTicketFromPDE, nullptr, nullptr, kCommentTickets, {}},
-    {"specialpages", SpecialPageGetTicketFromPDE, SpecialPageInializeDescriptionTable, nullptr,
-     kSpecialPageTickets, kSpecialPageNumberedKeys},
+    {.name = "printtype",
+     .getTickets = PrintTypeGetTicketFromPDE,
+     .bindRows = PrintTypeInializeDescriptionTableFromFilter,
+     .outputHeader = PrintTypeOutputXPJLCommandFromFilter,
+     .tickets = kPrintTypeTickets,
+     .rows = kPrintTypeRows},
+    {.name = "accounting",
+     .getTickets = JBAGetTicketFromPDE,
+     .bindRows = JBAInializeDescriptionTableFromFilter,
+     .outputHeader = JBAOutputXPJLCommandFromFilter,
+     .tickets = kJBATickets,
+     .rows = kJBARows},
+    {.name = "features",
+     .getTickets = FeaturesGetTicketFromPDE,
+     .bindRows = FeaturesInializeDescriptionTableFromFilter,
+     .outputHeader = FeaturesOutputXPJLCommandFromFilter,
+     .tickets = kFeaturesTickets,
+     .rows = kFeaturesRows},
+    {.name = "watermark", .getTickets = WatermarkGetTicketFromPDE, .tickets = kWatermarkTickets},
+    {.name = "perfectbind", .getTickets = PBindGetTicketFromPDE, .tickets = kPBindTickets},
+    {.name = "comment", .getTickets = CommentGetTicketFromPDE, .tickets = kCommentTickets},
+    {.name = "specialpages",
+     .getTickets = SpecialPageGetTicketFromPDE,
+     .bindRows = SpecialPageInializeDescriptionTable,
+     .tickets = kSpecialPageTickets,
+     .numberedTickets = kSpecialPageNumberedKeys},
+    {.name = "booklet"},  // these two write what the summary's record holds
+    {.name = "quality"},
+
 };
 
 }  // namespace
@@ -59,7 +69,9 @@ std::span<const TicketData> PrinterTable(const TicketTable& table) {
 }
 
 int GetTicketFromPDE(char* args[]) {
-  for (const Module& module : kModules) module.getTickets(args);
+  for (const Module& module : kModules) {
+    if (module.getTickets != nullptr) module.getTickets(args);
+  }
   return 1;
 }
 

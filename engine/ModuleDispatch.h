@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <span>
 
+#include "engine/CommandTable.h"
 #include "engine/TicketStore.h"
 
 // A ticket table in its two forms; one without user text has the same rows in both.
@@ -15,18 +16,19 @@ struct TicketTable {
 };
 
 struct Module {
-  const char* name;                      // of its folder in modules/
-  void (*getTickets)(char* args[]);      // ticket intake
-  void (*bindRows)();                    // null: it has no rows to bind
-  void (*outputHeader)(char* args[]);    // null: its lines have a place of their own in the header
-  std::span<const TicketTable> tickets;  // what it reads
-  std::span<const char* const> numberedTickets;  // prefixes of keys that end in 0, 1, 2 and so on
+  const char* name;                              // of its folder in modules/
+  void (*getTickets)(char* args[]) = nullptr;    // ticket intake
+  void (*bindRows)() = nullptr;                  // at start-up
+  void (*outputHeader)(char* args[]) = nullptr;  // null: its lines have a place in JobHeader.cpp
+  std::span<const TicketTable> tickets = {};     // what it reads
+  std::span<const char* const> numberedTickets = {};  // prefixes of keys that end in 0, 1, 2 ...
+  std::span<const RowTable* const> rows = {};         // what its lines are made of
 };
 
 // The table's form in the language of the job's printer.
 std::span<const TicketData> PrinterTable(const TicketTable& table);
 
-// Every module that reads tickets, in the order of the ticket intake.
+// Every module, in the order of the ticket intake.
 std::span<const Module> Modules();
 
 // Ticket intake of every module, from the filter's argument vector. Returns 1.

@@ -53,6 +53,7 @@ constexpr TicketData JBAticketDataAdminForUTF8[] = {
 #define ROWS_FILE "modules/accounting/JBACommonRows.def"
 #define ROWS_TABLE JBAFmtTableCommon
 #define ROWS_COUNT JBAFmtTableCommonNum
+#define ROWS_LIST JBARowsCommon
 #define ROWS_BIND_VALUES JBAInitializeCmdParaTableForUser
 #define ROWS_BIND_TESTS JBAInitializeCaparationTableForUser
 #include "engine/CommandRows.h"
@@ -60,6 +61,7 @@ constexpr TicketData JBAticketDataAdminForUTF8[] = {
 #define ROWS_FILE "modules/accounting/JBAAdminRows.def"
 #define ROWS_TABLE JBAFmtTableAdmin
 #define ROWS_COUNT JBAFmtTableAdminNum
+#define ROWS_LIST JBARowsAdmin
 #define ROWS_BIND_VALUES JBAInitializeCmdParaTableForAdmin
 #define ROWS_BIND_TESTS JBAInitializeCaparationTableForAdmin
 #include "engine/CommandRows.h"

@@ -65,6 +65,8 @@ inline constexpr std::int32_t JBAFmtTableCommonNum = 43;
 inline constexpr std::int32_t JBAFmtTableAdminNum = 35;
 extern const PrtFmt JBAFmtTableCommon[JBAFmtTableCommonNum];
 extern const PrtFmt JBAFmtTableAdmin[JBAFmtTableAdminNum];
+extern const RowTable JBARowsCommon;
+extern const RowTable JBARowsAdmin;
 
 // Fills the record from the filter's argument vector.
 void JBAGetTicketFromPDE(char* args[]);

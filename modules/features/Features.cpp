@@ -71,6 +71,7 @@ constexpr TicketData FeaturesticketData[] = {
 #define ROWS_FILE "modules/features/FeaturesRows.def"
 #define ROWS_TABLE FeaturesFmtTable
 #define ROWS_COUNT FeaturesFmtTableNum
+#define ROWS_LIST FeaturesRows
 #define ROWS_BIND_VALUES FeaturesInitializeCmdParaTable
 #define ROWS_BIND_TESTS FeaturesInitialzieComparationTable
 #include "engine/CommandRows.h"

@@ -45,6 +45,7 @@ extern const TicketData FeaturesticketData[FeaturesTicketDataNum];
 
 inline constexpr std::int32_t FeaturesFmtTableNum = 29;
 extern const PrtFmt FeaturesFmtTable[FeaturesFmtTableNum];
+extern const RowTable FeaturesRows;
 
 // Fills the record from the filter's argument vector.
 void FeaturesGetTicketFromPDE(char* args[]);

@@ -27,6 +27,10 @@ bool DeviceTakesPartTable() {
          CheckIfPPDKeywordSupported(JobPPD(), "ZLVXPrintTypeSettings", "Default04") == 1;
 }
 
+bool DeviceTakesWholeTable() {
+  return !DeviceTakesPartTable();
+}
+
 }  // namespace
 
 #define TICKET(suffix, field, getter) Ticket<getter>(TICKET_KEY(suffix), xpjlOptionPrintType.field),
@@ -47,6 +51,8 @@ constexpr TicketData PrintTypeticketDataForUTF8[] = {
 #define ROWS_FILE "modules/printtype/PrintTypeRows.def"
 #define ROWS_TABLE PrintTypeFmtTable
 #define ROWS_COUNT PrintTypeFmtTableNum
+#define ROWS_LIST PrintTypeRows
+#define ROWS_USED DeviceTakesWholeTable
 #define ROWS_BIND_VALUES PrintTypeInitializeCmdParaTable
 #define ROWS_BIND_TESTS PrintTypeInitialzieComparationTable
 #include "engine/CommandRows.h"
@@ -54,6 +60,8 @@ constexpr TicketData PrintTypeticketDataForUTF8[] = {
 #define ROWS_FILE "modules/printtype/PrintTypePartRows.def"
 #define ROWS_TABLE PrintTypeFmtPartTable
 #define ROWS_COUNT PrintTypeFmtPartTableNum
+#define ROWS_LIST PrintTypePartRows
+#define ROWS_USED DeviceTakesPartTable
 #include "engine/CommandRows.h"
 
 void PrintTypeGetTicketFromPDE(char* args[]) {

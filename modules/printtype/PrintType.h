@@ -33,6 +33,8 @@ inline constexpr std::int32_t PrintTypeFmtTableNum = 12 + 1;
 inline constexpr std::int32_t PrintTypeFmtPartTableNum = 7;
 extern const PrtFmt PrintTypeFmtTable[PrintTypeFmtTableNum];
 extern const PrtFmt PrintTypeFmtPartTable[PrintTypeFmtPartTableNum];
+extern const RowTable PrintTypeRows;
+extern const RowTable PrintTypePartRows;
 
 // Fills the record from the filter's argument vector.
 void PrintTypeGetTicketFromPDE(char* args[]);

@@ -10,10 +10,7 @@
 
 #include "engine/CommandTable.h"
 #include "engine/JobHeader.h"
-#include "modules/accounting/Accounting.h"
-#include "modules/features/Features.h"
 #include "modules/perfectbind/PerfectBind.h"
-#include "modules/printtype/PrintType.h"
 #include "tools/dialect/ByteSearch.h"
 
 namespace {
@@ -47,20 +44,6 @@ constexpr DialectRow kRows[] = {
 #undef NUMBER
 #undef SECRET
 #undef TEXT
-};
-
-// The tables of the filter's rows.
-constexpr struct {
-  const PrtFmt* rows;
-  std::int32_t count;
-} kRowTables[] = {
-    {prtFmtTableXPJLJobMode, 1},
-    {prtFmtTableEnterPS, 1},
-    {PrintTypeFmtTable, PrintTypeFmtTableNum},
-    {PrintTypeFmtPartTable, PrintTypeFmtPartTableNum},
-    {JBAFmtTableAdmin, JBAFmtTableAdminNum},
-    {JBAFmtTableCommon, JBAFmtTableCommonNum},
-    {FeaturesFmtTable, FeaturesFmtTableNum},
 };
 
 std::string SampleLine(const PrtFmt& row) {
@@ -190,8 +173,9 @@ std::optional<LineParts> TakeApart(std::string_view line) {
 std::vector<std::string> SampleLinesOfRows() {
   InializeDescriptionTable();
   std::vector<std::string> lines;
-  for (const auto& table : kRowTables) {
-    for (std::int32_t i = 0; i < table.count; i++) lines.push_back(SampleLine(table.rows[i]));
+  for (const RowTable* table : RowTables()) {
+    for (const PrtFmt& row : table->rows) lines.push_back(SampleLine(row));
   }
+  std::erase_if(lines, [](const std::string& line) { return !line.starts_with(kPJL); });
   return lines;
 }

@@ -23,6 +23,8 @@
 constexpr char prtfmtStrXPJLEnterPS[] = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
 const PrtFmt prtFmtTableEnterPS[] = {{prtfmtStrXPJLEnterPS, nullptr, nullptr}};
 const std::int32_t numFmtTableEnterPS = 1;
+constexpr RowTable rowTableEnterPS = {"prtFmtTableEnterPS", prtFmtTableEnterPS, nullptr,
+                                      "EnterPS\0"};
 
 namespace {
 

@@ -55,7 +55,6 @@ constexpr Module kModules[] = {
      .numberedTickets = kSpecialPageNumberedKeys},
     {.name = "booklet"},  // these two write what the summary's record holds
     {.name = "quality"},
-
 };
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "tests/support/SampleJobs.h"
 #include "tools/inspect/JobReader.h"
 
-// The filter's rows, and the lines of features, all in one job: the inspector finds nothing in it
+// The filter's rows, and the lines of features, each in a job: the inspector finds nothing in it
 // that it does not know, neither name nor value nor line end.
 TEST(Dialect, KnowsEveryRowOfTheFiltersTables) {
   std::string lines;
@@ -25,9 +25,12 @@ TEST(Dialect, KnowsEveryRowOfTheFiltersTables) {
   for (int i = 1; i < CoverTypeXPJLCommValueCount; i += 2) put("EFCV", CoverTypeXPJLComm[i]);
   for (int i = 1; i < MediaColorXPJLCommValueCount; i += 2) put("EMCC", MediaColorXPJLComm[i]);
   for (int i = 1; i < SidesXPJLCommValueCount; i += 2) put("EMDP", SidesXPJLComm[i]);
-  for (const Remark& problem : ReadJob(Job(lines)).problems) {
-    ADD_FAILURE() << "tools/dialect/Dialect.def needs this: " << problem.text << ": "
-                  << problem.excerpt;
+  std::istringstream text(lines);
+  for (std::string line; std::getline(text, line);) {
+    for (const Remark& problem : ReadJob(Job(line + "\n")).problems) {
+      if (!Matches("dialect does not know|line end|quote|no PJL|can obey", problem.text)) continue;
+      ADD_FAILURE() << "tools/dialect/Dialect.def needs this: " << problem.text << ": " << line;
+    }
   }
   EXPECT_GT(std::count(lines.begin(), lines.end(), '\n'), 300);
 }

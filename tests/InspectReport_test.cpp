@@ -69,7 +69,11 @@ TEST(Inspect, ReadsTheFiltersJobs) {
         "Paper from +the inserter", "Exception from page +2"}},
   };
   for (const auto& row : rows) {
-    const std::string job = FilteredJob(row.settings);
+    std::string document = Handbook();
+    if (Contains(row.settings, "two-sided")) {
+      document.replace(document.find("/Duplex false"), 13, "/Duplex true");
+    }
+    const std::string job = FilteredJob(row.settings, document);
     EXPECT_EQ(ProblemsOf(job), "") << row.settings;
     const std::string text = TextOf(job);
     for (const char* words : row.says) {
@@ -227,7 +231,9 @@ TEST(Inspect, StandsWhateverComes) {
   }
   const std::string endless = Job("@PJL " + std::string(3'000'000, '@') + "\n");
   EXPECT_TRUE(Contains(ProblemsOf(endless), "a line of 3000006 bytes"));
-  EXPECT_EQ(ReadJob(Job(std::string(200'000, '\n'))).problems.size(), 101u);
+  const JobReport many = ReadJob(Job(std::string(200'000, '\n') + "@PJL SET RET=NO\n"));
+  EXPECT_EQ(many.problemCount(), 200'001u);
+  EXPECT_TRUE(Contains(TextReport("job", many, {}), "200001 problems"));
 }
 
 // Exit sequences, header lines and the trailer are found however the job comes in pieces.

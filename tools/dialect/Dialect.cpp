@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <utility>
 
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "engine/CommandTable.h"
 #include "engine/JobHeader.h"
 #include "modules/perfectbind/PerfectBind.h"
@@ -15,16 +18,23 @@
 
 namespace {
 
+constexpr double kNoLimit = std::numeric_limits<double>::infinity();
+
 constexpr DialectRow Row(LineForm form, std::string_view code, Group group, std::string_view name,
-                         ValueKind kind, std::string_view detail) {
-  return {code, name, detail, form, group, kind};
+                         ValueKind kind, std::string_view detail, double least = -kNoLimit,
+                         double most = kNoLimit) {
+  return {code, name, detail, form, group, kind, least, most};
 }
 
 constexpr DialectRow kRows[] = {
 #define TEXT ValueKind::kText, ""
 #define SECRET ValueKind::kSecret, ""
 #define NUMBER(unit) ValueKind::kNumber, unit
+#define RANGE(unit, least, most) ValueKind::kNumber, unit, least, most
+#define COUNT ValueKind::kNumber, "", 1
 #define TENTHS ValueKind::kTenths, ""
+#define SIZE ValueKind::kTenths, "", 0
+#define TIME ValueKind::kTime, ""
 #define BINDER_WORD ValueKind::kBinderWord, ""
 #define WORDS(words) ValueKind::kWords, words
 #define ATTRIBUTE(code, group, name, ...) \
@@ -40,7 +50,11 @@ constexpr DialectRow kRows[] = {
 #undef ATTRIBUTE
 #undef WORDS
 #undef BINDER_WORD
+#undef TIME
+#undef SIZE
 #undef TENTHS
+#undef COUNT
+#undef RANGE
 #undef NUMBER
 #undef SECRET
 #undef TEXT
@@ -128,6 +142,19 @@ std::optional<std::string> ValueInWords(const DialectRow& row, std::string_view 
       break;
   }
   return std::string(value);
+}
+
+bool InRange(const DialectRow& row, std::string_view value) {
+  if (row.kind == ValueKind::kTime) {
+    const std::size_t colon = value.find(':');
+    return colon == value.npos ||
+           (DecimalInteger(std::string(value).c_str()) < 24 &&
+            DecimalInteger(std::string(value.substr(colon + 1)).c_str()) < 60);
+  }
+  if (row.kind != ValueKind::kNumber && row.kind != ValueKind::kTenths) return true;
+  if (!IsNumber(value)) return true;
+  const double number = std::strtod(std::string(value).c_str(), nullptr);
+  return number >= row.least && number <= row.most;
 }
 
 LineEnds LineEndsOf(const DialectRow& row) {

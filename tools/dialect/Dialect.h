@@ -38,7 +38,7 @@ inline constexpr GroupNames kGroups[] = {
 };
 
 enum class LineForm { kAttribute, kVariable, kSummary, kCommand };
-enum class ValueKind { kText, kSecret, kNumber, kTenths, kBinderWord, kWords };
+enum class ValueKind { kText, kTime, kSecret, kNumber, kTenths, kBinderWord, kWords };
 
 struct DialectRow {
   std::string_view code;
@@ -47,6 +47,8 @@ struct DialectRow {
   LineForm form;
   Group group;
   ValueKind kind;
+  double least;  // what a number may be
+  double most;
 };
 
 // Every row of Dialect.def.
@@ -58,6 +60,10 @@ const DialectRow* FindInDialect(LineForm form, std::string_view code);
 // What a value says, in words; nothing when it is none that the row knows. Texts come back as they
 // are; so does a secret, which is for the caller to hide.
 std::optional<std::string> ValueInWords(const DialectRow& row, std::string_view value);
+
+// Whether a number, or a time of day with a colon, is one that a device can obey. Other values are
+// not judged.
+bool InRange(const DialectRow& row, std::string_view value);
 
 // The line ends that the filter gives to lines of this name.
 struct LineEnds {

@@ -69,28 +69,13 @@ std::size_t EndOfSecret(std::string_view bytes, std::size_t from) {
   return std::min(bytes.find_first_of("\"\r\n", from), bytes.size());
 }
 
-// Where the value of a secret name begins, from `from` on; npos when there is none.
-std::size_t FindNamedSecret(std::string_view bytes, std::size_t from) {
-  std::size_t first = bytes.npos;
+// Whether `before`, which ends in the equals sign, ends in the name of a secret.
+const DialectRow* SecretNamedAt(std::string_view before) {
+  before.remove_suffix(1);
   for (const DialectRow& row : DialectRows()) {
-    if (row.kind != ValueKind::kSecret) continue;
-    const std::string name = std::string(row.code) + "=";
-    std::size_t at = bytes.find(name, from);
-    if (at == bytes.npos) continue;
-    at += name.size();
-    if (row.form == LineForm::kVariable && at < bytes.size() && bytes[at] == '"') at++;
-    first = std::min(first, at);
+    if (row.kind == ValueKind::kSecret && before.ends_with(row.code)) return &row;
   }
-  return first;
-}
-
-std::size_t FindLongRun(std::string_view bytes, std::size_t from) {
-  while (from < bytes.size()) {
-    const std::size_t end = std::min(bytes.find_first_not_of(kBase64, from), bytes.size());
-    if (end - from >= kShortestSealed) return from;
-    from = end + 1;
-  }
-  return bytes.npos;
+  return nullptr;
 }
 
 }  // namespace
@@ -114,19 +99,31 @@ std::string Printable(std::string_view bytes, Charset charset) {
 
 std::string WithoutSecrets(std::string_view bytes) {
   std::string text;
-  std::size_t at = 0;
-  while (at < bytes.size()) {
-    const std::size_t named = FindNamedSecret(bytes, at);
-    const std::size_t secret = std::min(named, FindLongRun(bytes, at));
-    text += bytes.substr(at, secret - at);
-    if (secret >= bytes.size()) break;
-    const std::size_t end = secret == named
-                                ? EndOfSecret(bytes, secret)
-                                : std::min(bytes.find_first_not_of(kBase64, secret), bytes.size());
-    if (end != secret) text += kHidden;
-    at = std::max(end, secret);
-    if (end == secret) text += bytes.substr(at++, 1);
+  std::size_t run = 0;  // Base64 characters that the text ends with
+  const auto hideLongRun = [&] {
+    if (run >= kShortestSealed) text.replace(text.size() - run, run, kHidden);
+    run = 0;
+  };
+  for (std::size_t at = 0; at < bytes.size();) {
+    const char c = bytes[at++];
+    text += c;
+    if (kBase64.find(c) == kBase64.npos) {
+      text.pop_back();
+      hideLongRun();
+      text += c;
+      continue;
+    }
+    run++;
+    const DialectRow* secret = c == '=' ? SecretNamedAt(bytes.substr(0, at)) : nullptr;
+    if (secret == nullptr) continue;
+    hideLongRun();
+    if (secret->form == LineForm::kVariable && bytes.substr(at).starts_with('"'))
+      text += bytes[at++];
+    const std::size_t end = EndOfSecret(bytes, at);
+    if (end > at) text += kHidden;
+    at = end;
   }
+  hideLongRun();
   return text;
 }
 

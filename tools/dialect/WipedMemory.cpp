@@ -78,7 +78,14 @@ void WipeLibraryMemory() {
   CRYPTO_set_mem_functions(LibraryAllocate, LibraryReallocate, LibraryFree);
 }
 
+// Copying leaves the last bytes copied in the processor's vector registers, which the loader of
+// libraries may put on the stack later. Copies of every size class replace them.
 void WipeStack() {
   unsigned char depth[kStackDepth];
+  OPENSSL_cleanse(depth, sizeof depth);
+  void* (*const volatile copy)(void*, const void*, std::size_t) = std::memcpy;
+  for (std::size_t size = 4; size < kStackDepth / 2; size += size / 4) {
+    copy(depth, depth + kStackDepth / 2, size);
+  }
   OPENSSL_cleanse(depth, sizeof depth);
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tools/dialect/ByteSearch.h"
+#include "tools/inspect/Plausibility.h"
 
 namespace {
 
@@ -20,6 +21,11 @@ std::optional<Remark> DocumentScan::beforeToken(const PostScriptToken& token, Jo
     const std::string_view from = std::string_view(tail_).substr(found.at);
     const JobPlace begin = {place.line - CountLineEnds(from), place.offset - from.size()};
     count(found, token.endsPage ? facts_.pages : 0, begin);
+    if (found.whole && found.kind == InjectionKind::kWatermarkText &&
+        !IsPostScriptString(found.detail)) {
+      fault = {begin.line, "the watermark's text is not one PostScript string",
+               std::string(found.detail)};
+    }
     if (found.whole) continue;
     fault = {begin.line, "the watermark's text is cut off, which breaks the PostScript",
              std::string(found.detail)};
@@ -67,12 +73,13 @@ void DocumentScan::count(const FoundInjection& found, std::uint64_t page, JobPla
   }
 }
 
-void DocumentScan::take(std::string_view bytes) {
+void DocumentScan::take(std::string_view bytes, std::uint64_t line) {
   facts_.bytes += bytes.size();
+  comments_.take(bytes, line);
   if (bytes.size() >= kInjectionReach) {
     tail_ = bytes.substr(bytes.size() - kInjectionReach);
     return;
   }
   tail_ += bytes;
-  if (tail_.size() > kInjectionReach) tail_.erase(0, tail_.size() - kInjectionReach);
+  if (tail_.size() > 2 * kInjectionReach) tail_.erase(0, tail_.size() - kInjectionReach);
 }

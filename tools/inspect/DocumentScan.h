@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "FilterFrame/Source/PostScriptLines.h"
+#include "tools/inspect/DocumentComments.h"
 #include "tools/inspect/InjectedPostScript.h"
 #include "tools/inspect/JobReport.h"
 
@@ -31,13 +32,17 @@ class DocumentScan {
   // The next bytes behind a token line, which may be an insertion.
   void matchExpected(std::string_view bytes);
 
-  // The next bytes of the document, token lines among them.
-  void take(std::string_view bytes);
+  // The next bytes of the document, token lines among them; the first stands on `line`.
+  void take(std::string_view bytes, std::uint64_t line);
+
+  // Ends the document.
+  void finish() { facts_.own = comments_.finish(); }
 
  private:
   void count(const FoundInjection& found, std::uint64_t page, JobPlace place);
 
   PostScriptFacts facts_;
+  DocumentComments comments_;
   std::string tail_;  // of the document, back to the token line before
   ExpectedInjection expected_ = {};
   std::size_t expectedMatched_ = 0;

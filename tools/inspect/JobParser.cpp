@@ -7,15 +7,15 @@
 
 #include "FilterFrame/Source/PostScriptStream.h"
 #include "tools/inspect/LibraryMessages.h"
+#include "tools/inspect/Plausibility.h"
 
 namespace {
 
 constexpr std::string_view kEndOfJob = "@PJL EOJ";
 
 constexpr std::size_t kLongestLine = 4096;  // twice what the filter can write
+constexpr std::size_t kExcerptBehindExit = 40;
 constexpr std::size_t kMostHeaderBytes = 1024 * 1024;
-constexpr std::size_t kMostRemarks = 100;
-constexpr std::size_t kExcerpt = 120;
 
 std::string Number(std::uint64_t number, const char* one, const char* several) {
   return std::to_string(number) + " " + (number == 1 ? one : several);
@@ -55,11 +55,7 @@ void JobParser::take(std::string_view& bytes, std::size_t count) {
 }
 
 void JobParser::problem(std::uint64_t line, std::string text, std::string_view excerpt) {
-  if (report_.problems.size() == kMostRemarks) {
-    problemsLeftOut_++;
-    return;
-  }
-  report_.problems.push_back({line, std::move(text), std::string(excerpt.substr(0, kExcerpt))});
+  report_.problem(line, std::move(text), excerpt);
 }
 
 void JobParser::beforeJob(std::string_view& bytes) {
@@ -246,18 +242,21 @@ void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token
 void JobParser::passOn(std::string_view bytes) {
   if (bytes.empty()) return;
   if (sink_) sink_(bytes);
-  document_.take(bytes);
+  document_.take(bytes, line_);
   lastByte_ = bytes.back();
 }
 
 void JobParser::trailer(std::string_view& bytes) {
   const std::string matched = held_;
-  held_.append(bytes.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
-  const std::size_t length = std::min(held_.size(), kEndOfJob.size());
-  if (std::string_view(held_).substr(0, length) == kEndOfJob.substr(0, length)) {
+  const std::size_t wanted = kEndOfJob.size() - std::min(kEndOfJob.size(), matched.size());
+  const std::string_view expected = kEndOfJob.substr(kEndOfJob.size() - wanted);
+  const std::string_view next = bytes.substr(0, wanted);
+  if (next == expected.substr(0, next.size())) {
+    held_.append(bytes.substr(0, kLongestLine - std::min(kLongestLine, held_.size())));
     heldBytes_ += bytes.size();
     return take(bytes, bytes.size());
   }
+  held_.append(bytes.substr(0, kExcerptBehindExit));
   const bool inHeader = std::exchange(exitAfterHeader_, false);
   problem(heldLine_,
           inHeader ? "a second exit sequence in the header"
@@ -295,9 +294,7 @@ JobReport JobParser::finish() {
   }
   finishPostScript();
   report_.postScript = std::move(document_.facts());
-  if (problemsLeftOut_ > 0) {
-    report_.problems.push_back({0, "and " + std::to_string(problemsLeftOut_) + " more", {}});
-  }
+  JudgeSettings(report_);
   return std::move(report_);
 }
 
@@ -325,6 +322,7 @@ void JobParser::finishTrailer() {
 void JobParser::finishPostScript() {
   PostScriptFacts& facts = document_.facts();
   if (!facts.present) return;
+  document_.finish();
   facts.closed = lastByte_ == kEndOfTransmission;
   if (report_.spooledCopy && !entered_) {
     problem(facts.firstLine, "the PostScript begins without @PJL ENTER LANGUAGE=POSTSCRIPT");
@@ -344,7 +342,7 @@ void JobParser::finishPostScript() {
   }
   if (facts.pages == 0 && facts.bytes > endByte) {
     report_.notes.push_back({0,
-                             facts.showpages > 0
+                             PageCount(facts) > 0
                                  ? "The document does not end its pages with the lines ep or endp, "
                                    "so its pages are neither counted nor stamped."
                                  : "No page ends in this document.",

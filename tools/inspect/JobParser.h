@@ -69,5 +69,4 @@ class JobParser {
 
   DocumentScan document_;
   char lastByte_ = '\0';  // of the document
-  std::uint64_t problemsLeftOut_ = 0;
 };

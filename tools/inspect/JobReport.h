@@ -46,6 +46,18 @@ struct Injection {
   std::vector<std::pair<std::uint64_t, std::uint64_t>> pages;  // ranges, those kept
 };
 
+// Something that the document asks for or says of itself.
+struct OwnSetting {
+  std::string_view kind;  // "comment", "feature" or "page-device"
+  std::string name;
+  std::string value;  // bytes of the job
+  std::uint64_t line;
+};
+struct OwnSettings {
+  std::vector<OwnSetting> entries;  // those kept
+  std::uint64_t pageComments = 0;   // pages by their comments
+};
+
 struct PostScriptFacts {
   bool present = false;
   std::uint64_t firstLine = 0;
@@ -55,7 +67,11 @@ struct PostScriptFacts {
   std::uint64_t showpages = 0;  // lines that show a page without ending one
   bool closed = false;          // by the end-of-transmission byte
   std::vector<Injection> injections;
+  OwnSettings own;
 };
+
+// The number of pages: as the filter counts them, else by their comments, else by showpage lines.
+std::uint64_t PageCount(const PostScriptFacts& facts);
 
 struct JobReport {
   Charset charset = Charset::kLatin1;
@@ -64,7 +80,12 @@ struct JobReport {
   bool trailer = false;       // whole
   bool spooledCopy = false;   // PostScript ahead of the switch: the copy of a decomposed job
   std::vector<Setting> settings;
-  std::vector<Remark> problems;
+  std::vector<Remark> problems;  // those kept
+  std::uint64_t problemsLeftOut = 0;
   std::vector<Remark> notes;
   PostScriptFacts postScript;
+
+  // Adds one; the excerpt is cut to what a reader needs.
+  void problem(std::uint64_t atLine, std::string text, std::string_view excerpt = {});
+  std::uint64_t problemCount() const { return problems.size() + problemsLeftOut; }
 };

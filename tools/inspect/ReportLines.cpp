@@ -35,11 +35,10 @@ std::string InjectionInWords(const Injection& injection, Charset charset) {
 }
 
 std::string PagesInWords(const PostScriptFacts& facts) {
-  std::string words = std::to_string(facts.pages);
-  if (facts.pages == 0 && facts.showpages > 0) {
-    words += " ended, " + std::to_string(facts.showpages) + " showpage lines";
-  }
-  return words;
+  std::string words = std::to_string(PageCount(facts));
+  if (facts.pages > 0) return words;
+  if (facts.own.pageComments > 0) return words + ", by their comments";
+  return words + (facts.showpages > 0 ? ", by showpage lines" : "");
 }
 
 class LineList {
@@ -72,6 +71,12 @@ void AddPostScript(const JobReport& report, LineList& list) {
   list.add("Pages", PagesInWords(facts));
   ReportLine& size = list.add("Size", std::to_string(facts.bytes) + " bytes");
   size.raw = "lines " + std::to_string(facts.firstLine) + " to " + std::to_string(facts.lastLine);
+  for (const OwnSetting& own : facts.own.entries) {
+    ReportLine& line = list.add(own.kind == "comment" ? own.name : "Asks for: " + own.name,
+                                Printable(WithoutSecrets(own.value), report.charset));
+    line.line = own.line;
+    line.raw = "line " + std::to_string(own.line);
+  }
   for (const Injection& injection : facts.injections) {
     ReportLine& line = list.add(std::string("Injected: ") + InjectionName(injection.kind),
                                 InjectionInWords(injection, report.charset));

@@ -31,10 +31,8 @@ const char* OuterFault(std::string_view blob, unsigned& keyType) {
 
 void Fault(JobReport& report, Setting& setting, const char* fault) {
   setting.sealed = std::string("malformed: ") + fault;
-  report.problems.push_back(
-      {setting.line,
-       std::string("no device can open the ") + std::string(setting.row->name) + ": " + fault,
-       {}});
+  report.problem(setting.line,
+                 "no device can open the " + std::string(setting.row->name) + ": " + fault);
 }
 
 void OpenWith(JobReport& report, Setting& setting, const std::string& blob, EVP_PKEY* key) {

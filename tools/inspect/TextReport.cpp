@@ -18,8 +18,8 @@ std::string Headline(const std::string& name, const JobReport& report) {
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
   };
   return Printable(name, Charset::kUTF8) + ": " + several(report.bytes, "byte") + ", " +
-         several(report.postScript.pages, "page") + ", " +
-         (report.problems.empty() ? "nothing wrong" : several(report.problems.size(), "problem"));
+         several(PageCount(report.postScript), "page") + ", " +
+         (report.problems.empty() ? "nothing wrong" : several(report.problemCount(), "problem"));
 }
 
 void AppendRemarks(const char* title, const std::vector<Remark>& remarks, Charset charset,
@@ -55,12 +55,15 @@ std::string TextReport(const std::string& name, const JobReport& report, ReportW
   }
   AppendRemarks("Notes", report.notes, report.charset, out);
   AppendRemarks("Problems", report.problems, report.charset, out);
+  if (report.problemsLeftOut > 0) {
+    out += "  and " + std::to_string(report.problemsLeftOut) + " more\n";
+  }
   return out;
 }
 
 std::string FirstProblem(const JobReport& report) {
   if (report.problems.empty()) return {};
-  const std::size_t more = report.problems.size() - 1;
+  const std::uint64_t more = report.problemCount() - 1;
   return RemarkText(report.problems.front(), report.charset) +
          (more > 0 ? " (and " + std::to_string(more) + " more)" : "");
 }

@@ -102,7 +102,7 @@ bool Put(std::string_view text) {
 // What came of rendering the document.
 void AddRendering(PageImages& images, JobReport& report) {
   const bool rendered = images.finish();
-  if (!rendered) report.problems.push_back({0, images.error(), {}});
+  if (!rendered) report.problem(0, images.error());
   const std::string message = images.firstMessage();
   if (rendered && !message.empty()) {
     report.notes.push_back({0, "Rendering the document, Ghostscript said", message});

@@ -46,6 +46,7 @@ cups_setting(cups_cflags "${PSTOXPJL_CUPS_CFLAGS}" "${CUPS_PC_CFLAGS}" --cflags 
 cups_setting(cups_libs "${PSTOXPJL_CUPS_LIBS}" "${CUPS_PC_LDFLAGS}" --libs "-lcups")
 cups_setting(CUPS_SERVERBIN "${PSTOXPJL_CUPS_SERVERBIN}" "${CUPS_PC_SERVERBIN}" --serverbin
   ${default_serverbin})
+cups_setting(CUPS_VERSION "" "${CUPS_PC_VERSION}" --version "")
 cups_setting(CUPS_DATADIR "${PSTOXPJL_CUPS_DATADIR}" "${CUPS_PC_DATADIR}" --datadir
   /usr/share/cups)
 

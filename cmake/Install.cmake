@@ -61,7 +61,9 @@ endforeach()
 # CUPS would list every model twice if it found both the PPDs and the file they are made of.
 install(DIRECTORY ppd/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples DIRECTORY_PERMISSIONS ${open}
   PATTERN CMakeLists.txt EXCLUDE)
-install(FILES README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md SECURITY.md CHANGES.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+include(packaging/Contents.cmake)
+install(FILES "${PROJECT_BINARY_DIR}/pstoxpjl.spdx" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
 install(FILES deployment/demo/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/deployment/demo)

@@ -37,7 +37,7 @@ include(CPack)
 
 set(doc usr/share/doc/${PROJECT_NAME})
 install(FILES packaging/debian/copyright DESTINATION /${doc} COMPONENT debian EXCLUDE_FROM_ALL)
-install(FILES packaging/debian/changelog RENAME changelog.Debian DESTINATION /${doc}
+install(FILES "${PROJECT_BINARY_DIR}/changelog.Debian" DESTINATION /${doc}
   COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES packaging/debian/lintian-overrides RENAME ${PROJECT_NAME}
   DESTINATION /usr/share/lintian/overrides COMPONENT debian EXCLUDE_FROM_ALL)

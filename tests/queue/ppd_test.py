@@ -74,15 +74,14 @@ class PPD(Queue):
 
         self.cups.run("lpadmin", "-p", "phone", "-E", "-v", f"{server}atelier-c90", "-m", "everywhere")
         private_cups.wait_for("a PPD", (self.cups.folder / "etc/ppd/phone.ppd").exists)
-        # The filter that the print dialog's settings are made for knows nothing of a PIN.
-        held = ["HOLDTYPE=PRIVATE"] if "cupstoxpjl" in ppd_text("atelier-c90") else []
         for options, in_header, in_document in [
             ("finishings=28,74 sides=two-sided-long-edge print-color-mode=monochrome print-quality=3 "
              "job-password=1234",
-             ["RENDERMODE=GRAYSCALE", "DUPLEXTYPE=DUPLEX", "STAPLE=ON", "PUNCH=ON", *held],
+             ["RENDERMODE=GRAYSCALE", "DUPLEXTYPE=DUPLEX", "STAPLEEX=LEFTDUAL", "ECONOMODE=ON",
+              "PUNCHEX=HOLES[TWO]:LOCATION[LEFT]", "HOLDTYPE=PRIVATE"],
              ["ZLVStaple LeftDouble", "ZLVPunch Left", "ZLVNumPunchHoles 2Holes", "Duplex DuplexNoTumble",
               "ZLVColorMode Black", "ZLVTonerSaver True"]),
-            ("print-quality=5 output-bin=face-up", ["RENDERMODE=COLOR", "DUPLEXTYPE=SIMPLEX"],
+            ("print-quality=5 output-bin=face-up", ["RENDERMODE=COLOR", "DUPLEXTYPE=SIMPLEX", "@FACE=UP"],
              ["ZLVStaple None", "ZLVOutputMode 1200x1200", "OutputBin FaceUp", "Duplex None"]),
         ]:
             with self.subTest(options):

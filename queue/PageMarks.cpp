@@ -33,6 +33,18 @@ bool IsHeaderComment(std::string_view line) {
          !line.starts_with("%%Page:");
 }
 
+// Whether the document's prolog asks whether showpage is an operator. Programs that put several
+// pages on a sheet do, and leave it alone when it is not.
+bool AsksForShowpage(std::string_view prolog) {
+  constexpr std::size_t kNear = 200;
+  const std::string_view type = "operatortype";
+  for (std::size_t at = prolog.find(type); at != prolog.npos; at = prolog.find(type, at + 1)) {
+    const std::size_t from = at - std::min(at, kNear);
+    if (prolog.substr(from, at - from).find("showpage") != prolog.npos) return true;
+  }
+  return false;
+}
+
 bool MayPassLater(int error) {
   return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
 }
@@ -177,6 +189,7 @@ void PageMarks::judgeFirstPage() {
   const bool hasMarks = pageHasBeginMark_ && (found == Found::kEndMark || mayEndLater);
   phase_ = hasMarks ? Phase::kPass : Phase::kMark;
   firstPageJudged_ = firstPageDue_ = true;
+  if (prologDue_ && AsksForShowpage({begin_, firstPageSize_})) headerSize_ = firstPageSize_;
   scan_ = begin_ + firstPageSize_;
   structure_ = atFirstPage_;
 }

@@ -1,13 +1,10 @@
-// What Ghostscript makes of PostScript, and where its pages have ink of a colour.
+// What Ghostscript makes of PostScript.
 
 #pragma once
 
-#include <array>
 #include <cstdlib>
-#include <limits>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/support/FilterProcess.h"
@@ -20,26 +17,7 @@ inline bool HasGhostscript() {
 struct PageImage {
   std::size_t width = 0, height = 0;
   std::string pixels;  // red, green, blue
-
-  // The middle of all that has nearly this colour, in widths and heights of the page from its upper
-  // left corner; NaN when nothing has.
-  std::pair<double, double> centreOf(const std::array<int, 3>& colour) const {
-    std::size_t left = width, right = 0, top = height, bottom = 0;
-    for (std::size_t i = 0; i < width * height; i++) {
-      bool isNear = true;
-      for (std::size_t c = 0; c < 3; c++) {
-        const auto value = static_cast<unsigned char>(pixels[3 * i + c]);
-        isNear = isNear && std::abs(value - colour[c]) < 60;
-      }
-      if (!isNear) continue;
-      left = std::min(left, i % width), right = std::max(right, i % width + 1);
-      top = std::min(top, i / width), bottom = std::max(bottom, i / width + 1);
-    }
-    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-    if (right == 0) return {kNone, kNone};
-    return {static_cast<double>(left + right) / 2 / static_cast<double>(width),
-            static_cast<double>(top + bottom) / 2 / static_cast<double>(height)};
-  }
+  std::string centre() const { return pixels.substr(3 * (height / 2 * width + width / 2), 3); }
 };
 
 // All pages as images, one behind the other; what Ghostscript says when the PostScript fails.

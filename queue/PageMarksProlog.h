@@ -30,8 +30,9 @@ inline constexpr std::string_view kPageMarksProlog =
 /ep{pgsave restore}bind def
 /centre{
 paper null ne{
-currentpagedevice/PageSize get
-dup 0 get paper 0 get sub 2 div exch 1 get paper 1 get sub 2 div translate
+currentpagedevice/PageSize 2 copy known{
+get aload pop paper 1 get sub 2 div exch paper 0 get sub 2 div exch translate
+}{pop pop}ifelse
 }if
 }bind def
 /finish{

@@ -113,6 +113,8 @@ TEST(Inspect, FindsWhatTheFilterInjected) {
   ASSERT_EQ(injections.back().pages.size(), 1u);
   EXPECT_EQ(injections.back().pages[0], std::pair(std::uint64_t{1}, std::uint64_t{4}));
   EXPECT_TRUE(Contains(TextOf(job), " (DRAFT), pages 1-4 "));
+  const std::string pages = Repeat("bp\n{\nep\n}page\n%%EndPageSetup\n", 2);
+  EXPECT_TRUE(Matches("page setup +pages 1-2 ", TextOf(FilteredJob(kWatermark, "%!PS\n" + pages))));
   EXPECT_TRUE(ReadJob(FilteredJob("")).postScript.injections.empty());
   const JobReport first = ReadJob(FilteredJob(std::string(kWatermark) + "WMARKOnlyFirstTicket=1",
                                               "%!PS\ngrestore\nep\ngsave\ngrestore\nep\n"));

@@ -3,6 +3,7 @@
 #include "tools/inspect/DocumentScan.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/dialect/ByteSearch.h"
 #include "tools/inspect/Plausibility.h"
@@ -38,9 +39,11 @@ void DocumentScan::afterToken(const PostScriptToken& token, JobPlace place) {
   expected_ = InjectionAfter(token);
   expectedMatched_ = 0;
   expectedPlace_ = place;
+  behindPageEnd_ = token.endsPage;
 }
 
 void DocumentScan::matchExpected(std::string_view bytes) {
+  if (std::exchange(behindPageEnd_, false)) endIsProcedure_ = bytes.starts_with('}');
   if (expected_.text.empty()) return;
   const std::string_view rest = expected_.text.substr(expectedMatched_);
   const std::size_t length = std::min(rest.size(), bytes.size());
@@ -51,7 +54,8 @@ void DocumentScan::matchExpected(std::string_view bytes) {
   expectedMatched_ += length;
   if (expectedMatched_ < expected_.text.size()) return;
   const bool onPage = expected_.kind == InjectionKind::kWatermarkPageSetup;
-  count({expected_.kind, 0, {}}, onPage ? facts_.pages + 1 : 0, expectedPlace_);
+  const std::uint64_t page = facts_.pages + (endIsProcedure_ ? 0 : 1);
+  count({expected_.kind, 0, {}}, onPage ? page : 0, expectedPlace_);
   expected_ = {};
 }
 

@@ -47,4 +47,6 @@ class DocumentScan {
   ExpectedInjection expected_ = {};
   std::size_t expectedMatched_ = 0;
   JobPlace expectedPlace_ = {};
+  bool behindPageEnd_ = false;   // nothing has come behind the line that ends a page
+  bool endIsProcedure_ = false;  // that line is part of one, which stands ahead of the page
 };

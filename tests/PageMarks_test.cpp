@@ -56,12 +56,12 @@ const std::string kMarkPlaces[] = {
     "%%EndDocument\n%%Page: 1 1\n%%EndDocument\n}\n%%Trailer\n%%Page: 1 1\n<P>\n",
     "%!PS-Adobe-3.0\n<D>%%Page: 1 1\n<P>%%BeginData: 16 Hex Bytes\n%%Page: 2 2\nbp\nep\n"
     "%%Page: 2 2\n<P>%%BeginBinary: 11\r\n%%Page: 3 3\n%%Page: 3 3\n<P>%%BeginData: 2 ASCII Lines\r"
-    "%%Page: 4 4\r\n%%Page: 4 4\r\n%%EndData\r%%Page: 4 4\r\n<P>",
+    "%%Page: 4 4\r%%Page: 4 4\r\n%%EndData\r%%Page: 4 4\r\n<P>",
     "%!PS-Adobe-3.0\n/showpage load type/operatortype eq{}if\n%%Page: 1 1\n<D><P>x\n%%Page: 2 2\n"
     "<P>",
     // Jobs with marks, and without structure or pages
     "%!PS-Adobe-3.0\n%%Page: 1 1\nbp\nshowpage\nep\n%%Page: 2 2\n",
-    "%!PS-Adobe-3.0\r\n%%Page: 1 1\r\n%%EndPageSetup\r\nbp\r\nshowpage\r\nendp\r\n%%Page: 2 2\r\n",
+    "%!PS-Adobe-3.0\r\n%%Page: 1 1\r\nep\r\nbp\r\nshowpage\r\nendp\r\n%%Page: 2 2\r\n",
     "%!PS-Adobe-3.0\n%%EndComments\nshowpage\n",
     "%!PS\n%%Page: 1 1\nshowpage\n",
     "%!PS-Adobe",

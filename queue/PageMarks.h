@@ -38,10 +38,10 @@ class PageMarks {
   // How often the document asks the device to print each page: 1 when it says nothing. Known when
   // the first byte has been read.
   //
-  // Copies are made in one place. pstops asks the device for them (it sets NumCopies in the
-  // document's setup) unless they are to be collated and the PPD offers the device no collating, or
-  // cupsManualCopies is True: then it repeats the pages, each copy's with numbers of their own, and
-  // says NumCopies 1. pdftops passes copies on in the same two ways.
+  // Copies are made in one place. pstops, which pdftops ends with, asks the device for them: it
+  // sets NumCopies in the document's setup, and each page is there once. When copies are to be
+  // collated and the PPD has no option Collate, or when cupsManualCopies is True, pstops (and
+  // pdftopdf in front of pdftops) repeats the pages instead, and asks for one copy.
   int deviceCopies() const { return deviceCopies_; }
 
  private:

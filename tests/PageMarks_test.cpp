@@ -105,7 +105,8 @@ TEST(PageMarks, KnowHowOftenTheDeviceIsToPrint) {
       {"%%BeginNonPPDFeature: NumCopies 3\n", 3},
       {"%RBINumCopies: 4\n{1 dict begin/NumCopies exch def}{userdict/#copies 3 -1 roll put}\n", 4},
       {"<</NumCopies 12>>setpagedevice\n", 12},
-      {"/#copies 2 def\n/NumCopies 3 def\nuserdict/#copies 7 put\n", 7},
+      {"/#copies 7 def\n/NumCopies 3 def\n", 3},
+      {"/NumCopies 3 def\nuserdict/#copies 7 put\n", 7},
       {"/NumCopies -1 def\n", 1},
       {"/NumCopies 99999999999999999999 def\n", 99999},
   };

@@ -40,7 +40,7 @@ TEST(InspectRender, RendersPages) {
   }
   const ToolResult missing =
       RunTool(INSPECT_BINARY, {plain, "--png", folder.path()}, "", "PATH=/nowhere");
-  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.status, 3);
   EXPECT_TRUE(Contains(missing.messages, "Ghostscript (gs) was not found"));
   const std::string broken = folder.write("broken", Job("", "%!PS\n(no end\n"));
   const ToolResult refused = Inspect({broken, "--png", folder.path()});

@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "tests/support/Password.h"
 #include "tests/support/SampleJobs.h"
 #include "tests/support/ToolProcess.h"
+#include "tools/inspect/JobReader.h"
+#include "tools/inspect/Reports.h"
+#include "tools/inspect/TerminalText.h"
 
 namespace {
 
@@ -44,7 +48,7 @@ TEST(InspectTool, OpensPasswordsWithTheDeviceKey) {
   const std::string job = folder.write("job", FilteredJob(kSecurePrint + Stored("ge\033heim")));
   const ToolResult opened = Inspect({job, "--device-key", kKeyFile});
   EXPECT_EQ(opened.status, 0);
-  EXPECT_TRUE(Contains(opened.output, "device key, opens ")) << opened.output;
+  EXPECT_TRUE(Matches("device key [0-9a-f]{16}, opens ", opened.output)) << opened.output;
   EXPECT_FALSE(Contains(opened.output, "heim"));
   EXPECT_FALSE(Contains(Inspect({"--json", job, "--device-key", kKeyFile}).output, "heim"));
   const ToolResult shown = Inspect({job, "--device-key", kKeyFile, "--show-passwords"});
@@ -83,6 +87,63 @@ TEST(InspectTool, ComparesTwoJobs) {
   EXPECT_EQ(Inspect({"--diff", two, three}).output, "Special pages\n  Insert after page: 2 -> 3\n");
 }
 
+// Whatever the tool writes as JSON is what the schema says, and nothing else.
+TEST(InspectTool, WritesJsonByItsSchema) {
+  using Json = nlohmann::json;
+  const Json schema = Json::parse(FileContent(SOURCE_DIR "/docs/xpjl-inspect.schema.json"));
+  const std::function<std::string(const Json&, const Json&)> fault = [&](const Json& rule,
+                                                                         const Json& value) {
+    std::set<std::string> types;
+    for (const Json& type : rule["type"].is_array() ? rule["type"] : Json::array({rule["type"]})) {
+      types.insert(type.get<std::string>());
+    }
+    const std::string type = value.is_number_integer() ? "integer" : value.type_name();
+    if (!types.contains(type)) return "is of type " + type;
+    if (value.is_array()) {
+      for (const Json& item : value) {
+        if (const std::string found = fault(rule["items"], item); !found.empty()) return found;
+      }
+    }
+    if (!value.is_object()) return std::string();
+    for (const Json& name : rule["required"]) {
+      if (!value.contains(name)) return "lacks " + name.get<std::string>();
+    }
+    for (const auto& [name, member] : value.items()) {
+      if (!rule["properties"].contains(name)) return "has " + name;
+      const std::string found = fault(rule["properties"][name], member);
+      if (!found.empty()) return name + "." + found;
+    }
+    return std::string();
+  };
+  ScratchFolder folder;
+  const std::string full =
+      folder.write("full", FilteredJob(kWatermark + (kSecurePrint + Stored("geheim"))));
+  const std::string bad = folder.write("bad", "x" + Job("@PJL SET RET=NO\n"));
+  const std::string text = folder.write("text", "hello\n");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{full, "--device-key", kKeyFile, "--show-passwords"},
+        {bad},
+        {text}}) {
+    std::vector<std::string> all = {"--json"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    const Json json = Json::parse(Inspect(all).output);
+    EXPECT_EQ(fault(schema, json), "") << arguments[0];
+    EXPECT_EQ(json["version"], 1);
+  }
+}
+
+TEST(InspectTool, FitsATerminal) {
+  const std::string report = TextReport("job", ReadJob(FilteredJob("") + "rest"), {});
+  for (const bool colour : {false, true}) {
+    const std::string shown = ForTerminal(report, colour);
+    EXPECT_EQ(Contains(shown, "\033[1mIdentity\033[0m\n"), colour);
+    EXPECT_EQ(Contains(shown, "\033[31mProblems"), colour);
+    if (colour) continue;
+    std::istringstream lines(shown);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(Columns(line), 80u) << line;
+  }
+}
+
 TEST(InspectTool, KeepsItsManners) {
   ScratchFolder folder;
   const std::string good = folder.write("good", Job(""));
@@ -98,14 +159,18 @@ TEST(InspectTool, KeepsItsManners) {
       {{bad}, 1, "bad: line 2: a value that the device dialect does not know: @PJL SET RET=NO"},
       {{text}, 1, "text: this is no printer-ready job"},
       {{"--diff", good, text}, 1, "text: this is no printer-ready job"},
-      {{folder.path()}, 1, "it is a folder"},
-      {{folder.path() + "/none"}, 1, "cannot read "},
-      {{good, "--device-key", good}, 1, "is no private key that can be read"},
-      {{good, "--png", good}, 1, "cannot make the folder"},
+      {{folder.path()}, 3, "it is a folder"},
+      {{folder.path() + "/none"}, 3, "cannot read "},
+      {{"/proc/self/mem"}, 3, "cannot read "},
+      {{good, "--device-key", good}, 3, "is no private key that can be read"},
+      {{good, "--png", good}, 3, "cannot make the folder"},
       {{}, 2, "JOB is required"},
-      {{good, good}, 2, "one job at a time"},
+      {{good, good}, 0, ""},
+      {{good, bad, good}, 1, "bad: line 2"},
+      {{good, good, "--extract", "x"}, 2, "take one job"},
+      {{good, "--extract", folder.path()}, 3, "cannot write "},
       {{"--diff", good}, 2, "--diff compares two jobs"},
-      {{"--diff", "--png", "x", good, good}, 2, "--png renders one job"},
+      {{"--png", "x", good, good}, 2, "--png and --extract"},
       {{good, "--dpi", "50"}, 2, "--png"},
       {{good, "--colour"}, 2, "--colour"},
   };
@@ -116,6 +181,7 @@ TEST(InspectTool, KeepsItsManners) {
     EXPECT_EQ(result.messages.starts_with("xpjl-inspect: "), row.status != 0) << result.messages;
     EXPECT_TRUE(Contains(result.messages, row.message)) << result.messages;
   }
+  EXPECT_EQ(Inspect({"--extract", "-", good}).output, "%!PS\nshowpage\n");
   EXPECT_TRUE(Contains(Inspect({"-"}, Job("")).output, "nothing wrong"));
   EXPECT_EQ(Inspect({"--help"}).status, 0);
   EXPECT_TRUE(Inspect({"--version"}).output.starts_with("xpjl-inspect "));

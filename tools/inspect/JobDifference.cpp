@@ -129,6 +129,6 @@ std::string JsonDifference(const JobReport& first, const JobReport& second, Repo
                     {"first", side(difference.first)},
                     {"second", side(difference.second)}});
   });
-  const Json json = {{"same", list.empty()}, {"differences", list}};
+  const Json json = {{"version", kJsonVersion}, {"same", list.empty()}, {"differences", list}};
   return json.dump(2, ' ', true, Json::error_handler_t::replace) + "\n";
 }

@@ -173,7 +173,7 @@ void JobParser::knownLine(const DialectRow& row, std::string_view line, std::str
   kept_ += line.size() + sizeof(Setting);
   if (kept_ <= kMostHeaderBytes) {
     report_.settings.push_back(
-        {&row, std::string(value), std::string(line), heldLine_, {}, false, {}});
+        {&row, std::string(value), std::string(line), heldLine_, {}, {}, false, {}});
   } else if (kept_ - line.size() - sizeof(Setting) <= kMostHeaderBytes) {
     problem(heldLine_, "the header is longer than any; what follows is not listed");
   }

@@ -23,7 +23,9 @@ JobReport ReadJob(int fd, const PostScriptSink& sink) {
   char rest[kLinePieceSize];
   const ssize_t count = start < 0 ? 0 : pread(fd, rest, sizeof rest, start + passed);
   if (count > 0) parser.feed({rest, static_cast<std::size_t>(count)}, nullptr);
-  return parser.finish();
+  JobReport report = parser.finish();
+  report.readError = lines.readError();
+  return report;
 }
 
 JobReport ReadJob(std::string_view bytes) {

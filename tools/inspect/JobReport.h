@@ -16,9 +16,10 @@ struct Setting {
   std::string value;      // as it stands in the job
   std::string raw;        // the whole line without its line end
   std::uint64_t line;
-  std::string sealed;    // what is known of a sealed password
-  bool opened = false;   // with the device's key
-  std::string password;  // then its plaintext
+  std::string sealed;     // what is known of a sealed password
+  std::string sealedFor;  // the identifier of its key in hexadecimal digits
+  bool opened = false;    // with the device's key
+  std::string password;   // then its plaintext
 };
 
 // Something wrong with the job, or worth knowing.
@@ -84,6 +85,7 @@ struct JobReport {
   std::uint64_t problemsLeftOut = 0;
   std::vector<Remark> notes;
   PostScriptFacts postScript;
+  int readError = 0;  // the error's number when reading did not come to the end
 
   // Adds one; the excerpt is cut to what a reader needs.
   void problem(std::uint64_t atLine, std::string text, std::string_view excerpt = {});

@@ -32,6 +32,7 @@ Json SettingEntry(const ReportLine& line, Charset charset, ReportWishes wishes) 
     entry["value"] = Decoded(WithoutSecrets(setting.value), charset);
   } else if (!setting.value.empty()) {
     entry["opened"] = setting.opened;
+    if (!setting.sealedFor.empty()) entry["sealedFor"] = setting.sealedFor;
     if (setting.opened && wishes.showPasswords) {
       entry["password"] = Decoded(setting.password, Charset::kUTF8);
     }
@@ -58,8 +59,22 @@ Json PostScriptEntry(const JobReport& report) {
   for (const Injection& injection : facts.injections) {
     injections.push_back(InjectionEntry(injection, report.charset));
   }
-  return {{"pages", facts.pages},         {"showpages", facts.showpages}, {"bytes", facts.bytes},
-          {"firstLine", facts.firstLine}, {"lastLine", facts.lastLine},   {"closed", facts.closed},
+  Json own = Json::array();
+  for (const OwnSetting& setting : facts.own.entries) {
+    own.push_back({{"kind", setting.kind},
+                   {"name", Decoded(setting.name, report.charset)},
+                   {"value", Decoded(WithoutSecrets(setting.value), report.charset)},
+                   {"line", setting.line}});
+  }
+  return {{"pages", PageCount(facts)},
+          {"markedPages", facts.pages},
+          {"pageComments", facts.own.pageComments},
+          {"showpages", facts.showpages},
+          {"bytes", facts.bytes},
+          {"firstLine", facts.firstLine},
+          {"lastLine", facts.lastLine},
+          {"closed", facts.closed},
+          {"own", own},
           {"injections", injections}};
 }
 
@@ -74,7 +89,8 @@ std::string JsonReport(const std::string& name, const JobReport& report, ReportW
   for (const ReportLine& line : ReportLines(report, wishes)) {
     if (line.setting != nullptr) settings.push_back(SettingEntry(line, report.charset, wishes));
   }
-  const Json json = {{"job", Decoded(name, Charset::kUTF8)},
+  const Json json = {{"version", kJsonVersion},
+                     {"job", Decoded(name, Charset::kUTF8)},
                      {"ok", report.problems.empty()},
                      {"bytes", report.bytes},
                      {"encoding", report.charset == Charset::kUTF8 ? "UTF-8" : "ISO-8859-1"},
@@ -85,6 +101,7 @@ std::string JsonReport(const std::string& name, const JobReport& report, ReportW
                        {"trailer", report.trailer},
                        {"spooledCopy", report.spooledCopy}}},
                      {"notes", Remarks(report.notes, report.charset)},
+                     {"problemCount", report.problemCount()},
                      {"problems", Remarks(report.problems, report.charset)}};
   return JsonText(json);
 }

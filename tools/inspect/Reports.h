@@ -7,6 +7,10 @@
 
 #include "tools/inspect/JobReport.h"
 
+// The version of the JSON that docs/xpjl-inspect.schema.json describes. It goes up when a member
+// changes its meaning or goes away, not when one is added.
+inline constexpr int kJsonVersion = 1;
+
 struct ReportWishes {
   bool showPasswords = false;
 };

@@ -5,14 +5,17 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "FilterFrame/Source/PostScriptStream.h"
 #include "deployment/DeploymentInfo.h"
 #include "tools/dialect/StandardDescriptors.h"
 #include "tools/dialect/WipedMemory.h"
@@ -21,12 +24,15 @@
 #include "tools/inspect/PageImages.h"
 #include "tools/inspect/Reports.h"
 #include "tools/inspect/SealedPasswords.h"
+#include "tools/inspect/TerminalText.h"
 
 namespace {
 
+// Exit statuses; of several jobs the highest counts.
 constexpr int kFine = 0;
 constexpr int kBadData = 1;
 constexpr int kWrongUsage = 2;
+constexpr int kUnreadable = 3;
 
 struct Wishes {
   std::vector<std::string> jobs;
@@ -35,6 +41,7 @@ struct Wishes {
   bool showPasswords = false;
   std::string deviceKey;
   std::string pngFolder;
+  std::string extracted;
   int dotsPerInch = 100;
   RenderLimits limits;
 };
@@ -77,21 +84,25 @@ std::optional<JobReport> Read(const std::string& name, EVP_PKEY* key,
                               const PostScriptSink& sink = {}) {
   const JobFile file(name);
   if (!file.error().empty()) {
-    Complain(kBadData, "cannot read " + Shown(name) + ": " + file.error());
+    Complain(kUnreadable, "cannot read " + Shown(name) + ": " + file.error());
     return std::nullopt;
   }
   JobReport report = ReadJob(file.fd(), sink);
+  if (report.readError != 0) {
+    Complain(kUnreadable, "cannot read " + Shown(name) + ": " + std::strerror(report.readError));
+    return std::nullopt;
+  }
   JudgePasswords(report, key);
   return report;
 }
 
 // False when the text did not get out. It may hold passwords, so that no other buffer gets it.
-bool Put(std::string_view text) {
+bool Put(std::string_view text, int fd = STDOUT_FILENO) {
   while (!text.empty()) {
-    const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
+    const ssize_t count = write(fd, text.data(), text.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) {
-      Complain(kBadData, std::string("cannot write: ") + std::strerror(errno));
+      Complain(kUnreadable, std::string("cannot write: ") + std::strerror(errno));
       return false;
     }
     text.remove_prefix(static_cast<std::size_t>(count));
@@ -109,26 +120,76 @@ void AddRendering(PageImages& images, JobReport& report) {
   }
 }
 
-int Inspect(const Wishes& wishes, EVP_PKEY* key) {
-  const std::string& name = wishes.jobs[0];
+// The file that gets the document; standard output for "-".
+class ExtractedFile {
+ public:
+  explicit ExtractedFile(const std::string& name)
+      : fd_(name == "-" ? dup(STDOUT_FILENO)
+                        : open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {}
+  ~ExtractedFile() {
+    if (fd_ >= 0) close(fd_);
+  }
+  ExtractedFile(const ExtractedFile&) = delete;
+  ExtractedFile& operator=(const ExtractedFile&) = delete;
+  bool isOpen() const { return fd_ >= 0; }
+  bool failed() const { return failed_; }
+  void write(std::string_view bytes) { failed_ = failed_ || !Put(bytes, fd_); }
+
+ private:
+  int fd_;
+  bool failed_ = false;
+};
+
+// The end byte is the frame's.
+std::string_view WithoutEndByte(std::string_view bytes) {
+  return bytes.ends_with(kEndOfTransmission) ? bytes.substr(0, bytes.size() - 1) : bytes;
+}
+
+int Report(const Wishes& wishes, const std::string& name, const JobReport& report) {
+  const ReportWishes shown = {.showPasswords = wishes.showPasswords};
+  std::string text =
+      wishes.json ? JsonReport(name, report, shown) : TextReport(name, report, shown);
+  if (!wishes.json && isatty(STDOUT_FILENO) == 1) {
+    text = ForTerminal(text, std::getenv("NO_COLOR") == nullptr);
+  }
+  const bool written = wishes.extracted == "-" || Put(text);
+  if (!written) return kUnreadable;
+  if (report.problems.empty()) return kFine;
+  return Complain(kBadData, Shown(name) + ": " + FirstProblem(report));
+}
+
+int Inspect(const Wishes& wishes, const std::string& name, EVP_PKEY* key) {
   std::unique_ptr<PageImages> images;
   if (!wishes.pngFolder.empty()) {
     images = std::make_unique<PageImages>(wishes.pngFolder, wishes.dotsPerInch, wishes.limits);
-    if (!images->error().empty()) return Complain(kBadData, images->error());
+    if (!images->error().empty()) return Complain(kUnreadable, images->error());
   }
-  PostScriptSink sink;
-  if (images) sink = [&](std::string_view bytes) { images->write(bytes); };
+  std::unique_ptr<ExtractedFile> extracted;
+  if (!wishes.extracted.empty()) {
+    extracted = std::make_unique<ExtractedFile>(wishes.extracted);
+    if (!extracted->isOpen()) {
+      return Complain(kUnreadable,
+                      "cannot write " + Shown(wishes.extracted) + ": " + std::strerror(errno));
+    }
+  }
+  const auto sink = [&](std::string_view bytes) {
+    if (images) images->write(bytes);
+    if (extracted) extracted->write(WithoutEndByte(bytes));
+  };
   auto report = Read(name, key, sink);
-  if (!report) return kBadData;
+  if (!report) return kUnreadable;
   if (images) AddRendering(*images, *report);
-
-  const ReportWishes shown = {.showPasswords = wishes.showPasswords};
-  const bool written =
-      Put(wishes.json ? JsonReport(name, *report, shown) : TextReport(name, *report, shown));
+  const int status = Report(wishes, name, *report);
   WipePasswords(*report);
-  int status = written ? kFine : kBadData;
-  if (!report->problems.empty()) {
-    status = Complain(kBadData, Shown(name) + ": " + FirstProblem(*report));
+  return extracted && extracted->failed() ? kUnreadable : status;
+}
+
+// Each job by itself, with an empty line between tables.
+int InspectAll(const Wishes& wishes, EVP_PKEY* key) {
+  int status = kFine;
+  for (const std::string& name : wishes.jobs) {
+    if (&name != &wishes.jobs.front() && !wishes.json) Put("\n");
+    status = std::max(status, Inspect(wishes, name, key));
   }
   return status;
 }
@@ -136,7 +197,7 @@ int Inspect(const Wishes& wishes, EVP_PKEY* key) {
 int Compare(const Wishes& wishes, EVP_PKEY* key) {
   auto first = Read(wishes.jobs[0], key);
   auto second = Read(wishes.jobs[1], key);
-  if (!first || !second) return kBadData;
+  if (!first || !second) return kUnreadable;
   for (const auto* report : {&*first, &*second}) {
     if (report->exitSequence || !report->settings.empty()) continue;
     return Complain(kBadData,
@@ -155,10 +216,10 @@ void Declare(CLI::App& app, Wishes& wishes) {
       "Says what a printer-ready job (a job copy, a captured job) asks the printer to do.\n"
       "Sealed passwords are hidden, so that a report can be passed on.");
   app.footer(
-      "Exit status: 0 nothing wrong, 1 something is wrong with the job or it cannot be read,\n"
-      "2 wrong usage. With --diff: 0 no difference, 1 otherwise.");
+      "Exit status: 0 nothing wrong, 1 something is wrong with a job, 2 wrong usage, 3 a file\n"
+      "cannot be read or written. With --diff: 0 no difference, 1 a difference.");
   app.set_version_flag("--version", VersionText("xpjl-inspect"));
-  app.add_option("JOB", wishes.jobs, "The job; - for standard input. Two of them with --diff")
+  app.add_option("JOB", wishes.jobs, "The jobs; - for standard input. Two of them with --diff")
       ->required();
   app.add_flag("--diff", wishes.diff, "Say what the second job asks differently from the first");
   app.add_flag("--json", wishes.json, "Write JSON, for programs");
@@ -179,6 +240,10 @@ void Declare(CLI::App& app, Wishes& wishes) {
   limit("--limit-time", wishes.limits.seconds, "Seconds by the clock for rendering");
   limit("--limit-memory", wishes.limits.memoryMegabytes, "Megabytes of memory for rendering");
   limit("--limit-output", wishes.limits.outputMegabytes, "Megabytes for all pictures");
+  app.add_option(
+         "--extract", wishes.extracted,
+         "Write the job's PostScript into this file; - for standard output, without a report")
+      ->option_text("FILE");
   app.add_option("--device-key", wishes.deviceKey,
                  "Open sealed passwords with the device's private key, a PEM file")
       ->option_text("FILE");
@@ -188,11 +253,9 @@ void Declare(CLI::App& app, Wishes& wishes) {
 
 // A usage that the parser cannot tell; empty when it makes sense.
 std::string Misuse(const Wishes& wishes) {
-  const std::size_t wanted = wishes.diff ? 2 : 1;
-  if (wishes.jobs.size() != wanted) {
-    return wishes.diff ? "--diff compares two jobs" : "one job at a time; --diff compares two";
-  }
-  if (wishes.diff && !wishes.pngFolder.empty()) return "--png renders one job, not a difference";
+  const bool files = !wishes.pngFolder.empty() || !wishes.extracted.empty();
+  if (wishes.diff && wishes.jobs.size() != 2) return "--diff compares two jobs";
+  if (files && wishes.jobs.size() != 1) return "--png and --extract take one job";
   return {};
 }
 
@@ -213,12 +276,12 @@ int Run(int argc, char* argv[]) {
   if (!wishes.deviceKey.empty()) {
     key = ReadPrivateKey(wishes.deviceKey.c_str());
     if (!key) {
-      return Complain(kBadData, Shown(wishes.deviceKey) +
-                                    " is no private key that can be read: "
-                                    "give the device's key as a PEM file");
+      return Complain(kUnreadable, Shown(wishes.deviceKey) +
+                                       " is no private key that can be read: "
+                                       "give the device's key as a PEM file");
     }
   }
-  return wishes.diff ? Compare(wishes, key.get()) : Inspect(wishes, key.get());
+  return wishes.diff ? Compare(wishes, key.get()) : InspectAll(wishes, key.get());
 }
 
 }  // namespace
@@ -230,5 +293,5 @@ int main(int argc, char* argv[]) try {
   WipeStack();
   return status;
 } catch (const std::exception& error) {
-  return Complain(kBadData, Shown(error.what()));
+  return Complain(kUnreadable, Shown(error.what()));
 }

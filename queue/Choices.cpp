@@ -11,6 +11,8 @@
 #include <cstring>
 #include <span>
 
+#include "queue/SecretOptions.h"
+
 namespace {
 
 constexpr std::string_view kCustom = "Custom.";
@@ -67,9 +69,10 @@ void ReadEntered(ppd_file_t* ppd, const char* option, std::string_view written, 
       break;
     case PPD_CUSTOM_PASSWORD:
     case PPD_CUSTOM_PASSCODE:
-      choice.entered = now.custom_passcode != nullptr ? now.custom_passcode : "";
+      // libcups has not been told.
+      choice.entered = written.starts_with(kCustom) ? written.substr(kCustom.size()) : "";
       choice.problem =
-          LengthProblem(now.custom_passcode, least.custom_passcode, most.custom_passcode);
+          LengthProblem(choice.entered.c_str(), least.custom_passcode, most.custom_passcode);
       break;
     default:
       choice.entered = written;
@@ -92,7 +95,11 @@ void Choices::mark() {
   if (ppd_ == nullptr) return;
   ppdMarkDefaults(ppd_);
   std::vector<cups_option_t> list;
-  for (JobOption& option : options_) list.push_back({option.name.data(), option.value.data()});
+  std::string hidden = std::string(kCustom) + "*";
+  for (JobOption& option : options_) {
+    const bool isHidden = IsSecretOption(option.name) && option.value.starts_with(kCustom);
+    list.push_back({option.name.data(), isHidden ? hidden.data() : option.value.data()});
+  }
   cupsMarkOptions(ppd_, static_cast<int>(list.size()), list.data());
 }
 

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "FilterFrame/Source/PrintJob.h"
-#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "deployment/DeploymentInfo.h"
 #include "queue/Composition.h"
 #include "queue/JobMessages.h"
 #include "queue/PageMarks.h"
+#include "queue/SecretOptions.h"
 #include "queue/TicketRows.h"
 
 namespace {
@@ -49,20 +49,6 @@ bool PagesAreLogged(const Choices& choices) {
          std::strstr(type, "postscript") == nullptr;
 }
 
-// The job's options. The argument is overwritten: CUPS puts a PIN there in clear, and everybody on
-// the computer can read a program's arguments.
-std::vector<JobOption> TakeOptions(char* argument) {
-  std::vector<JobOption> options;
-  {
-    const JobOptions parsed(argument);
-    for (int i = 0; i < parsed.count(); i++) {
-      options.push_back({parsed.list()[i].name, parsed.list()[i].value});
-    }
-  }
-  OPENSSL_cleanse(argument, std::strlen(argument));
-  return options;
-}
-
 // What each option became, and what is wrong. False when the job must not be printed.
 bool Report(const Composition& composition) {
   for (const JobTicket& ticket : composition.tickets().tickets()) {
@@ -70,9 +56,12 @@ bool Report(const Composition& composition) {
              (ticket.secret ? "(hidden)" : ticket.value));
   }
   const Complaints& complaints = composition.complaints();
+  if (complaints.failed()) {
+    SayError(complaints.failure());
+    return false;
+  }
   for (const std::string& warning : complaints.warnings()) SayWarning(warning);
-  if (complaints.failed()) SayError(complaints.failure());
-  return !complaints.failed();
+  return true;
 }
 
 // Marks the document's pages, and keeps `copies` as the document has it.
@@ -91,7 +80,7 @@ InputStage MarkPages(const Composition& composition, CopiesText& copies) {
 }
 
 int Print(int argc, char* argv[]) {
-  Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, TakeOptions(argv[5]));
+  Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, TakeJobOptions(argv[5]));
   composition.compose(argv);
   if (!Report(composition)) return kFailed;
 
@@ -113,5 +102,7 @@ int main(int argc, char* argv[]) {
   if (argc == 2 && std::strcmp(argv[1], "--version") == 0) return Version();
   if (argc < kFewestArguments) return Usage();
   PrepareProcess();
-  return Print(argc, argv);
+  const int status = Print(argc, argv);
+  WipeStack();
+  return status;
 }

@@ -56,7 +56,7 @@ FilterProcess::FilterProcess(const FilterJob& job) {
   std::signal(SIGPIPE, SIG_IGN);
   Pipe input, output(job.outputPacket), messages;
   std::vector<std::string> arguments = job.under;
-  arguments.emplace_back(FILTER_BINARY);
+  arguments.emplace_back(job.filter);
   arguments.insert(arguments.end(), job.arguments.begin(), job.arguments.end());
   std::vector<std::string> environment = {"PATH=/usr/bin:/bin"};
   for (const auto& [name, value] : job.environment) environment.push_back(name + "=" + value);

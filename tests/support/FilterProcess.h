@@ -9,6 +9,7 @@
 #include <vector>
 
 struct FilterJob {
+  std::string filter = FILTER_BINARY;
   std::vector<std::string> arguments = {"1", "user", "title", "1", ""};
   std::map<std::string, std::string> environment;  // besides a PATH
   std::string input;                               // standard input

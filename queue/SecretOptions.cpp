@@ -1,4 +1,4 @@
-// Taking passwords out of a text, and wiping what is left of them.
+// Taking passwords out of a text.
 
 #include "queue/SecretOptions.h"
 
@@ -82,9 +82,4 @@ std::vector<JobOption> TakeJobOptions(char* text) {
   }
   OPENSSL_cleanse(text, static_cast<std::size_t>(end - text));
   return options;
-}
-
-[[gnu::noinline]] void WipeStack() {
-  char used[512 * 1024];
-  OPENSSL_cleanse(used, sizeof used);
 }

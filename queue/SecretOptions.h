@@ -13,6 +13,3 @@ std::vector<JobOption> TakeJobOptions(char* text);
 
 // Whether an option's value is a password.
 bool IsSecretOption(const std::string& name);
-
-// Overwrites what functions that have returned left on the stack.
-void WipeStack();

@@ -19,6 +19,7 @@
 #include "queue/PageMarks.h"
 #include "queue/SecretOptions.h"
 #include "queue/TicketRows.h"
+#include "secblobenc/WipedMemory.h"
 
 namespace {
 
@@ -101,6 +102,7 @@ int Print(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
   if (argc == 2 && std::strcmp(argv[1], "--version") == 0) return Version();
   if (argc < kFewestArguments) return Usage();
+  WipeLibraryMemory();
   PrepareProcess();
   const int status = Print(argc, argv);
   WipeStack();

@@ -18,7 +18,7 @@
 #include "FilterFrame/Source/PostScriptStream.h"
 #include "deployment/DeploymentInfo.h"
 #include "tools/dialect/StandardDescriptors.h"
-#include "tools/dialect/WipedMemory.h"
+#include "secblobenc/WipedMemory.h"
 #include "tools/inspect/DeviceBlob.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/PageImages.h"

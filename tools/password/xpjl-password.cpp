@@ -16,7 +16,7 @@
 #include "deployment/DeploymentInfo.h"
 #include "secblobenc/secblobenc.h"
 #include "tools/dialect/StandardDescriptors.h"
-#include "tools/dialect/WipedMemory.h"
+#include "secblobenc/WipedMemory.h"
 #include "tools/password/PasswordInput.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Every block carries its size in front of it, so that all of it can be overwritten.
 
-#include "tools/dialect/WipedMemory.h"
+#include "secblobenc/WipedMemory.h"
 
 #include <openssl/crypto.h>
 

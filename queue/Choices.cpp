@@ -100,6 +100,10 @@ void Choices::mark() {
     const bool isHidden = IsSecretOption(option.name) && option.value.starts_with(kCustom);
     list.push_back({option.name.data(), isHidden ? hidden.data() : option.value.data()});
   }
+  // libcups looks names up by halving; of two options with one name the later one has to be last.
+  std::ranges::stable_sort(list, [](const cups_option_t& a, const cups_option_t& b) {
+    return strcasecmp(a.name, b.name) < 0;
+  });
   cupsMarkOptions(ppd_, static_cast<int>(list.size()), list.data());
 }
 

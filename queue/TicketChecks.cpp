@@ -55,7 +55,7 @@ void CheckNeeds(TicketList& tickets, Complaints& complaints) {
   for (;;) {
     const auto row = std::ranges::find_if(NeedRows(), lacks);
     if (row == NeedRows().end()) return;
-    LeaveOut(tickets, row->condition.ticket, "needs " + ShortKey(row->ticket), complaints);
+    LeaveOut(tickets, row->condition.ticket, "needs " + WhatGives(row->ticket), complaints);
   }
 }
 
@@ -75,6 +75,12 @@ std::string WhatSets(const Condition& condition) {
     }
   }
   return ShortKey(condition.ticket);
+}
+
+std::string WhatGives(std::string_view ticket) {
+  const auto row = std::ranges::find_if(
+      TicketRows(), [ticket](const TicketRow& known) { return ticket == known.ticket; });
+  return row != TicketRows().end() ? row->option : ShortKey(ticket);
 }
 
 void CheckTickets(TicketList& tickets, Complaints& complaints) {

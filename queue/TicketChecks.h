@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "queue/Complaints.h"
 #include "queue/TicketList.h"
@@ -14,6 +15,9 @@ bool Holds(const Condition& condition, const TicketList& tickets);
 
 // The option and choice by which a user makes the condition hold, as messages name them.
 std::string WhatSets(const Condition& condition);
+
+// The option by which a user gives the ticket, as messages name it.
+std::string WhatGives(std::string_view ticket);
 
 // Takes out what has another form than it should, what holds quotes or control characters, what is
 // longer than its field, and what lacks something.

@@ -71,10 +71,10 @@ std::vector<std::string> MissingFor(const std::string& key) {
   return missing;
 }
 
-// The module whose ticket tables have the key.
-const Module* ModuleOf(const std::string& key) {
+// The module that reads the key and writes its lines by code.
+const Module* CodeModuleOf(const std::string& key) {
   for (const Module& module : Modules()) {
-    if (FindTicketData(key, module.name) != nullptr) return &module;
+    if (module.rows.empty() && FindTicketData(key, module.name) != nullptr) return &module;
   }
   return nullptr;
 }
@@ -89,7 +89,7 @@ std::string Joined(const std::vector<std::string>& words, const char* with) {
 // where lines are made by code.
 std::string CompanyFor(const Trial& trial, const Choices& choices, const Outcome& job,
                        const std::string& key) {
-  const Module* module = ModuleOf(key);
+  const Module* module = CodeModuleOf(key);
   if (module == nullptr) return {};
   for (const TicketTable& table : module->tickets) {
     for (const TicketData& row : PrinterTable(table)) {
@@ -109,6 +109,14 @@ std::string CompanyFor(const Trial& trial, const Choices& choices, const Outcome
     }
   }
   return {};
+}
+
+// A password's option, or one that was meant to be.
+bool MayBeSecret(const std::string& name, const Choices& choices) {
+  if (IsSecret(name)) return true;
+  if (choices.offers(name)) return false;
+  const std::string nearest = NearestName(name, KnownNames(choices));
+  return !nearest.empty() && IsSecret(nearest);
 }
 
 std::string Said(const JobOption& option) {
@@ -163,17 +171,18 @@ void Explainer::compare(std::size_t index, OptionExplanation& found) const {
   for (const std::string& why : Surplus(job_.complaints, without.complaints)) {
     found.why.push_back(Sentence(why));
   }
-  const bool inDocument =
-      job_.document != without.document ||
-      (job_.marks != without.marks && std::ranges::any_of(job_.marks, [&](const auto& mark) {
-         const auto before = without.marks.find(mark.first);
-         return before != without.marks.end() && before->second != mark.second &&
-                IsInDocument(trial_.ppd(), mark.first);
-       }));
-  if (!found.lines.empty() || !found.instead.empty()) {
+  const bool added = job_.document != without.document;
+  const bool inDocument = added || std::ranges::any_of(job_.marks, [&](const auto& mark) {
+                            const auto before = without.marks.find(mark.first);
+                            return before != without.marks.end() && before->second != mark.second &&
+                                   IsInDocument(trial_.ppd(), mark.first);
+                          });
+  const bool onlyLeftOut = found.lines.empty() && !found.why.empty();
+  if (!found.lines.empty() || (!found.instead.empty() && !onlyLeftOut)) {
     found.effect = Effect::kLines;
   } else if (inDocument) {
     found.effect = Effect::kDocument;
+    if (!added) explainTickets(index, found);  // the header may want more
   } else if (CupsAttribute(found.name) != nullptr) {
     found.effect = Effect::kElsewhere;
   }
@@ -183,14 +192,16 @@ OptionExplanation Explainer::explain(std::size_t index) const {
   const JobOption& option = given_[index];
   OptionExplanation found;
   found.name = option.name;
-  found.value = IsSecret(option.name) ? "(hidden)" : option.value;
+  found.value = MayBeSecret(option.name, Choices(trial_.ppd(), {})) ? "(hidden)" : option.value;
   if (isGivenLater(index)) {
     found.why.push_back("It is given again, and the last one counts.");
     return found;
   }
   compare(index, found);
-  if (found.effect == Effect::kNone || found.effect == Effect::kDocument) {
+  if (found.effect == Effect::kNone) {
     explainIdle(index, found);
+  } else if (found.effect == Effect::kElsewhere) {
+    explainRival(index, found);
   }
   return found;
 }
@@ -212,9 +223,16 @@ std::string Explainer::rivalOf(std::size_t index) const {
   return {};
 }
 
+bool Explainer::explainRival(std::size_t index, OptionExplanation& found) const {
+  const std::string rival = rivalOf(index);
+  if (rival.empty()) return false;
+  found.effect = Effect::kNone;
+  found.why.push_back("It is superseded by " + rival + ".");
+  return true;
+}
+
 void Explainer::explainIdle(std::size_t index, OptionExplanation& found) const {
   const JobOption& option = given_[index];
-  if (found.effect == Effect::kDocument) return explainTickets(index, found);
   if (!found.why.empty()) return;
   const Choices choices(trial_.ppd(), options(index));
   const std::string acting = ActingName(option.name);
@@ -249,11 +267,7 @@ void Explainer::explainIdle(std::size_t index, OptionExplanation& found) const {
       return;
     }
   }
-  const std::string rival = rivalOf(index);
-  if (!rival.empty()) {
-    found.why.push_back("It is superseded by " + rival + ".");
-    return;
-  }
+  if (explainRival(index, found)) return;
   explainTickets(index, found);
   if (!found.why.empty()) return;
   const std::string company = familyCompanyFor(index);
@@ -319,11 +333,13 @@ std::vector<std::string> Explainer::ticketKeysOf(std::size_t index) const {
 void Explainer::explainTickets(std::size_t index, OptionExplanation& found) const {
   const Choices choices(trial_.ppd(), options(kAll));
   for (const std::string& key : ticketKeysOf(index)) {
-    trial_.run(options(kAll));
-    std::vector<std::string> missing = MissingFor(key);
-    if (missing.empty() && RowsUsing(key).empty()) {
-      const std::string company = CompanyFor(trial_, choices, job_, key);
-      if (!company.empty()) missing.push_back("It counts only with " + company);
+    std::vector<std::string> missing;
+    const std::string company = CompanyFor(trial_, choices, job_, key);
+    if (!company.empty()) {
+      missing.push_back("It counts only with " + company);
+    } else {
+      trial_.run(options(kAll));  // the records are those of the job
+      missing = MissingFor(key);
     }
     for (const std::string& why : missing) found.why.push_back(Sentence(why));
     if (missing.empty()) continue;

@@ -66,6 +66,7 @@ class Explainer {
   bool isGivenLater(std::size_t index) const;
   std::string rivalOf(std::size_t index) const;
   void compare(std::size_t index, OptionExplanation& found) const;
+  bool explainRival(std::size_t index, OptionExplanation& found) const;
   void explainIdle(std::size_t index, OptionExplanation& found) const;
   std::string familyCompanyFor(std::size_t index) const;
   bool counts(std::size_t index, const std::vector<JobOption>& also) const;

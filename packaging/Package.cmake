@@ -11,8 +11,8 @@ accounting, secure and delayed print, colour, finishing, booklets,
 perfect binding, special pages and watermarks.
 .
 The package also holds xpjl-inspect, which says in words what a job asks
-a printer to do, and xpjl-password, which prepares a password for use in
-job options.")
+a printer to do, xpjl-explain, which says why an option has no effect, and
+xpjl-password, which prepares a password for use in job options.")
 if(PSTOXPJL_DEPLOYMENT_IS_DEMONSTRATION)
   string(APPEND CPACK_PACKAGE_DESCRIPTION "
 .

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "queue/SecretOptions.h"
 #include "queue/TicketKeys.h"
 #include "queue/TicketList.h"
 #include "queue/TicketRows.h"
@@ -49,11 +50,7 @@ std::string ActingName(const std::string& name) {
 }
 
 bool IsSecret(const std::string& name) {
-  const std::string acting = ActingName(name);
-  if (IsPassword(TicketKeyOf(acting))) return true;
-  return std::ranges::any_of(TicketRows(), [&](const TicketRow& row) {
-    return row.making == Making::kPassword && SameName(row.option, acting);
-  });
+  return IsSecretOption(name) || IsPassword(TicketKeyOf(name));
 }
 
 std::vector<JobOption> FamilyChoices(const std::string& name, const Choices& choices) {

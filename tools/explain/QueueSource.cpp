@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "queue/SecretOptions.h"
 #include "queue/TicketKeys.h"
 #include "tools/explain/Candidates.h"
 
@@ -49,11 +50,6 @@ QueueSource PPDFromQueue(const std::string& queue) {
   return source;
 }
 
-std::vector<JobOption> ParsedOptions(const std::string& text) {
-  cups_option_t* list = nullptr;
-  const int count = cupsParseOptions(text.c_str(), 0, &list);
-  std::vector<JobOption> options;
-  for (int i = 0; i < count; i++) options.push_back({list[i].name, list[i].value});
-  cupsFreeOptions(count, list);
-  return options;
+std::vector<JobOption> ParsedOptions(std::string text) {
+  return TakeJobOptions(text.data());
 }

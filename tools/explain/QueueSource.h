@@ -22,4 +22,4 @@ QueueSource PPDFromFile(const std::string& file);
 QueueSource PPDFromQueue(const std::string& queue);
 
 // Options as lp takes them behind -o: several with blanks between, switches by their name alone.
-std::vector<JobOption> ParsedOptions(const std::string& text);
+std::vector<JobOption> ParsedOptions(std::string text);

@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "deployment/DeploymentInfo.h"
+#include "secblobenc/WipedMemory.h"
 #include "text/NearestName.h"
 #include "tools/dialect/Dialect.h"
 #include "tools/dialect/DisplayText.h"
 #include "tools/dialect/StandardDescriptors.h"
-#include "tools/dialect/WipedMemory.h"
 #include "tools/explain/ExplanationReports.h"
 #include "tools/explain/QueueSource.h"
 
@@ -23,8 +23,8 @@ namespace {
 
 constexpr int kFine = 0;
 constexpr int kNoEffect = 1;
-constexpr int kUnreadable = 2;
-constexpr int kWrongUsage = 3;
+constexpr int kWrongUsage = 2;
+constexpr int kUnreadable = 3;
 
 struct Wishes {
   std::vector<std::string> options;
@@ -68,7 +68,7 @@ void Declare(CLI::App& app, Wishes& wishes) {
       "and, when it does nothing, why. Nothing is printed, and passwords are hidden.");
   app.footer(
       "Exit status: 0 every option has an effect, 1 one has none or something is left out,\n"
-      "2 the queue, the PPD or the job cannot be read, 3 wrong usage. With --line: 0 the job has\n"
+      "2 wrong usage, 3 the queue, the PPD or the job cannot be read. With --line: 0 the job has\n"
       "the line, 1 it has not.");
   app.set_version_flag("--version", VersionText("xpjl-explain"));
   auto* queue = app.add_option("-d,--queue", wishes.queue, "The queue; CUPS_SERVER names a server");

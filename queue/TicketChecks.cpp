@@ -47,6 +47,16 @@ bool IsThere(const TicketList& tickets, const char* key) {
   return row == nullptr || !IsText(*row) || ConvertedLength(*row, *value) > 0;
 }
 
+// What is lacking, as who has made the condition hold knows it: an option to whom chose another
+// one.
+std::string Lacking(const NeedRow& row, const TicketList& tickets) {
+  const auto ticket = std::ranges::find(tickets.tickets(), row.condition.ticket, &JobTicket::key);
+  const std::string option = WhatGives(row.ticket);
+  const bool byOption = ticket != tickets.tickets().end() && ticket->source != kGivenByJob &&
+                        !ticket->source.starts_with(option + "=");
+  return byOption ? option : ShortKey(row.ticket);
+}
+
 // Until nothing changes any more: what has been left out may be what another ticket needs.
 void CheckNeeds(TicketList& tickets, Complaints& complaints) {
   const auto lacks = [&tickets](const NeedRow& row) {
@@ -55,7 +65,7 @@ void CheckNeeds(TicketList& tickets, Complaints& complaints) {
   for (;;) {
     const auto row = std::ranges::find_if(NeedRows(), lacks);
     if (row == NeedRows().end()) return;
-    LeaveOut(tickets, row->condition.ticket, "needs " + WhatGives(row->ticket), complaints);
+    LeaveOut(tickets, row->condition.ticket, "needs " + Lacking(*row, tickets), complaints);
   }
 }
 

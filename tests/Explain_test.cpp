@@ -196,7 +196,8 @@ TEST(Explain, AnswersScripts) {
 
   // The manual page names every key.
   const std::string manual = FileContent(SOURCE_DIR "/man/xpjl-explain.1");
-  for (const auto& [path, value] : json.flatten().items()) {
+  const auto flat = json.flatten();
+  for (const auto& [path, value] : flat.items()) {
     for (const std::string& key : Captures("([a-z]+)", path)) {
       EXPECT_NE(manual.find(key), std::string::npos) << key;
     }

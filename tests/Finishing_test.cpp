@@ -177,14 +177,14 @@ TEST(Features, InjectSnippetsWhereThePagesPerSheetWantThem) {
       {"", "1", "1", "", "", ""},
   };
   for (const auto& c : cases) {
-    for (const auto& [hook, snippets] : {std::pair(14, c.at14), {16, c.at16}, {21, c.at21}}) {
+    for (const auto& at : {std::pair(14, c.at14), {16, c.at16}, {21, c.at21}}) {
       const std::string written = Written("", c.options, [&](char* args[]) {
         FeaturesGetTicketFromPDE(args);
         CopyBounded(StdLayoutRowInfo, c.rows);
         CopyBounded(StdLayoutColumnInfo, c.columns);
-        FeaturesOutputPSCommandFromFilter(hook, stdout);
+        FeaturesOutputPSCommandFromFilter(at.first, stdout);
       });
-      EXPECT_EQ(written, snippets) << hook << c.options;
+      EXPECT_EQ(written, at.second) << at.first << c.options;
     }
   }
 }

@@ -1,12 +1,15 @@
-// docs/job-options.md against the compiled tables, in both directions.
+// docs/job-options.md against the compiled tables and the PPDs, in both directions.
 
+#include <cups/ppd.h>
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 
 #include "engine/ModuleDispatch.h"
 #include "modules/perfectbind/PerfectBind.h"
 #include "modules/quality/Quality.h"
+#include "queue/TicketRows.h"
 #include "tests/support/Patterns.h"
 #include "tools/dialect/Dialect.h"
 
@@ -86,7 +89,74 @@ void ExpectSame(const Names& documented, const Names& compiled, const std::strin
   }
 }
 
+using PPD = std::unique_ptr<ppd_file_t, decltype(&ppdClose)>;
+
+PPD OpenPPD(const std::string& model) {
+  return {ppdOpenFile((PPD_DIR "/zelva-" + model + ".ppd").c_str()), &ppdClose};
+}
+
+// What may be entered for an option: "number, 1 to 30"; empty when nothing may.
+std::string EnteredValue(ppd_file_t* ppd, const char* option) {
+  ppd_coption_t* custom = ppdFindCustomOption(ppd, option);
+  if (custom == nullptr) return "";
+  const ppd_cparam_t* value = ppdFirstCustomParam(custom);
+  const bool isNumber = value->type == PPD_CUSTOM_INT;
+  const bool isText = value->type == PPD_CUSTOM_STRING;
+  const std::string least = std::to_string(value->minimum.custom_int);
+  const std::string most = std::to_string(value->maximum.custom_int);
+  return std::string(isNumber ? "number, "
+                     : isText ? "text, "
+                              : "digits, ") +
+         least + (least != most ? " to " + most : "");
+}
+
+// An option's choices as the document lists them; those of an option before are named by it.
+std::string ListedChoices(const ppd_option_t& option, std::map<std::string, std::string>& before) {
+  constexpr int kFew = 5;
+  std::string choices;
+  for (int i = 0; i < option.num_choices; i++) {
+    const std::string choice = option.choices[i].choice;
+    if (choice != "Custom") choices += (i > 0 ? " `" : "`") + choice + "`";
+  }
+  const std::string first = before.emplace(choices, option.keyword).first->second;
+  return option.num_choices > kFew && first != option.keyword ? "as `" + first + "`" : choices;
+}
+
 }  // namespace
+
+// Those that only the header carries, each with all that the PPDs say of it.
+TEST(JobOptionsDocument, ListsTheOptionsOfThePPDs) {
+  const std::string text = FileContent(SOURCE_DIR "/docs/job-options.md");
+  const PPD c90 = OpenPPD("atelier-c90"), c60 = OpenPPD("atelier-c60"), m20 = OpenPPD("kontor-m20");
+  ASSERT_TRUE(c90 && c60 && m20);
+  std::map<std::string, std::string> choices;
+  std::size_t count = 0;
+  for (auto* option = ppdFirstOption(c90.get()); option; option = ppdNextOption(c90.get())) {
+    if (option->section != PPD_ORDER_JCL) continue;
+    count++;
+    std::string row = "| `" + std::string(option->keyword) + "` | " +
+                      ListedChoices(*option, choices) + " | `" + option->defchoice + "` | " +
+                      EnteredValue(c90.get(), option->keyword) + " | `C90`";
+    if (ppdFindOption(c60.get(), option->keyword)) row += " `C60`";
+    if (ppdFindOption(m20.get(), option->keyword)) row += " `M20`";
+    EXPECT_NE(text.find(row + " | "), text.npos) << row;
+  }
+  EXPECT_EQ(
+      RowsUnder("| Option | Choices | Default | Entered value | Models | What it is for |").size(),
+      count);
+}
+
+TEST(JobOptionsDocument, ListsTheAttributesThatStandForOptions) {
+  std::vector<Row> compiled;
+  for (const AttributeRow& row : AttributeRows())
+    compiled.push_back({{row.attribute}, {row.option}});
+  EXPECT_EQ(RowsUnder("| Attribute | Option |"), compiled);
+  const std::string text = FileContent(SOURCE_DIR "/docs/job-options.md");
+  for (const UnaskedRow& row : UnaskedRows()) {
+    EXPECT_NE(text.find(std::string("`") + row.attribute + "=" + row.value + "`"), text.npos)
+        << row.attribute;
+  }
+}
 
 TEST(JobOptionsDocument, ListsTheTicketsThatAreReadAndNoOthers) {
   Names documented;

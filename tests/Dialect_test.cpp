@@ -58,7 +58,8 @@ TEST(Dialect, KnowsEveryNameInTheSourcesAndNoOther) {
   written.merge(NamesInSources("JOBATTR=(%c|\\\\\")@([A-Z0-9]+)="));
   written.merge(NamesInSources("INFO \"([A-Z]+)"));
   written.merge(NamesInSources("ATTRIBUTE\\([^)]*\"([A-Z0-9]+)="));
-  for (const std::string& name : written) EXPECT_TRUE(codes.contains(name)) << name;
+  for (const std::string& name : written)
+    EXPECT_TRUE(codes.contains(name)) << name << " is not in tools/dialect/Dialect.def";
   const std::set<std::string> literals = NamesInSources("\"([A-Z][A-Z0-9_]{2,})\"");
   for (const std::string& name : literals) {
     EXPECT_TRUE(codes.contains(name) || words.contains(name)) << name;

@@ -82,10 +82,12 @@ Names LinesMadeOf(const Module& module, const void* destination) {
 // Each name that only one of the two has, by itself: a list of all would be cut.
 void ExpectSame(const Names& documented, const Names& compiled, const std::string& what) {
   for (const std::string& name : documented) {
-    if (!compiled.contains(name)) ADD_FAILURE() << what << name << ": listed, and not there";
+    if (!compiled.contains(name))
+      ADD_FAILURE() << what << name << ": docs/job-options.md has it, and it is not there";
   }
   for (const std::string& name : compiled) {
-    if (!documented.contains(name)) ADD_FAILURE() << what << name << ": not listed";
+    if (!documented.contains(name))
+      ADD_FAILURE() << what << name << ": docs/job-options.md lacks it";
   }
 }
 

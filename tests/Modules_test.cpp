@@ -48,7 +48,8 @@ Names Defined(const fs::path& folder) {
     const std::string text = "\n" + FileContent(file.path());
     if (file.path().extension() != ".def") continue;
     for (const auto& name : Captures("\nROW\\(([A-Za-z0-9]+)", text)) names.insert(name);
-    for (const auto& name : Captures("\n(TICKET|OPTION)\\(\"([^\"\\\\]+)\",", text)) names.insert(name);
+    for (const auto& name : Captures("\n(TICKET|OPTION)\\(\"([^\"\\\\]+)\",", text))
+      names.insert(name);
   }
   return names;
 }
@@ -89,4 +90,25 @@ TEST(Modules, RowsAreListedWithTheirTests) {
       EXPECT_EQ(written.size(), condition == nullptr ? 0 : condition->count) << name;
     }
   }
+}
+
+// Each line that a row writes is in a module's test, so that somebody has seen it.
+TEST(Modules, LinesOfRowsAreTested) {
+  std::string tests;
+  for (const char* room : {"Identity", "Finishing", "ProductionPages", "Summary"}) {
+    tests += FileContent(std::string(SOURCE_DIR "/tests/") + room + "_test.cpp");
+  }
+  std::size_t lines = 0;
+  for (const Module& module : Modules()) {
+    for (const RowTable* table : module.rows) {
+      for (const PrtFmt& row : table->rows) {
+        const auto code = Captures("@PJL SET (JOBATTR=%c@)?([A-Z]+)=", row.format);
+        ASSERT_EQ(code.size(), 1u) << row.format;
+        lines++;
+        EXPECT_TRUE(Matches(code[0] + "=", tests))
+            << "no table of a module's test has the line " << code[0];
+      }
+    }
+  }
+  EXPECT_GT(lines, 100u);
 }

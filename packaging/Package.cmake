@@ -6,9 +6,12 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "${PSTOXPJL_PACKAGE_MAINTAINER}")
 set(CPACK_PACKAGE_VENDOR "pstoxpjl")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "printer driver for Zelva office and production printers")
-set(CPACK_PACKAGE_DESCRIPTION "A CUPS filter and PPDs for Zelva PostScript printers:
+set(CPACK_PACKAGE_DESCRIPTION "CUPS filters and PPDs for Zelva PostScript printers:
 accounting, secure and delayed print, colour, finishing, booklets,
 perfect binding, special pages and watermarks.
+.
+The queue filter cupstoxpjl takes PDF, text and PostScript with the options
+of dialogs, lp and phones, queue defaults and standard attributes included.
 .
 The package also holds xpjl-inspect, which says in words what a job asks
 a printer to do, xpjl-explain, which says why an option has no effect, and

@@ -10,7 +10,8 @@
 // How many fields a template takes.
 constexpr std::size_t XPIFFieldCount(std::string_view block) {
   std::size_t count = 0;
-  for (std::size_t at = block.find("%s"); at != block.npos; at = block.find("%s", at + 1)) count++;
+  for (std::size_t i = 0; i + 1 < block.size(); i++)
+    count += block[i] == '%' && block[i + 1] == 's';
   return count;
 }
 

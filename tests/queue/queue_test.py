@@ -119,6 +119,26 @@ class Options(Queue):
             self.assertIn(", 1 problem\n", report.stdout)
             self.assertIn("contradiction: the document asks for ZLVTonerSaver", report.stderr)
 
+    def test_a_queue_is_asked_why_an_option_has_no_effect(self):
+        self.cups.add("set", "atelier-c90", self.device, "-o", "ZLVTonerSaver=UserInput", "-o",
+                      "ZLVColorMode-default=Black")
+        self.cups.run("lpoptions", "-p", "set/draft", "-o", "ZLVTonerSaver=Mode2")
+        rate = "ZLVTonerReductionRate=Percent30"
+        job = self.cups.lp("set", "-o", rate, "-n", "2", self.sample)
+        self.cups.wait()
+        shutil.copy(self.out / "job", self.cups.folder / "copy.job")
+        os.chmod(self.cups.folder / "copy.job", 0o644)
+        user = re.search(rb'@LUNA=([^"]*)', (self.out / "job").read_bytes())[1].decode()
+        for queue, status, said in [("set", 0, "REDUCTIONRATE=30"), ("set", 0, "The job is what these options give"),
+                                    ("set/draft", 1, "counts only with ZLVTonerSaver=UserInput"),
+                                    ("nowhere", 3, "cannot read the PPD of nowhere")]:
+            asked = subprocess.run(
+                [os.environ["XPJL_EXPLAIN"], "-d", queue, "-o", rate, "-n", "2", "-U", user, "-t",
+                 pathlib.Path(self.sample).name, "--job", self.cups.folder / "copy.job"], text=True,
+                env=self.cups.environment, capture_output=True, **self.cups.identity)
+            self.assertEqual(asked.returncode, status, asked.stdout + asked.stderr)
+            self.assertIn(said, asked.stdout + asked.stderr)
+
 
 class Pages(Queue):
     def test_the_page_log_has_the_number_of_printed_pages(self):

@@ -5,6 +5,7 @@
 #include <cups/cups.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
@@ -36,12 +37,15 @@ QueueSource PPDFromFile(const std::string& file) {
 }
 
 QueueSource PPDFromQueue(const std::string& queue) {
-  const char* file = cupsGetPPD(queue.c_str());
+  const std::string name = queue.substr(0, queue.find('/'));
+  const std::string instance = queue.substr(std::min(name.size() + 1, queue.size()));
+  const char* file = cupsGetPPD(name.c_str());
   if (file == nullptr) return {nullptr, {}, cupsLastErrorString()};
   QueueSource source = PPDFromFile(file);
   unlink(file);
   if (source.ppd == nullptr) return source;
-  cups_dest_t* dest = cupsGetNamedDest(CUPS_HTTP_DEFAULT, queue.c_str(), nullptr);
+  cups_dest_t* dest = cupsGetNamedDest(CUPS_HTTP_DEFAULT, name.c_str(),
+                                       instance.empty() ? nullptr : instance.c_str());
   for (int i = 0; dest != nullptr && i < dest->num_options; i++) {
     const JobOption option = {dest->options[i].name, dest->options[i].value};
     if (IsJobOption(source.ppd, option.name)) source.options.push_back(option);

@@ -18,7 +18,8 @@ struct QueueSource {
 // A PPD from a file.
 QueueSource PPDFromFile(const std::string& file);
 
-// A queue's PPD and defaults, asked from CUPS; CUPS_SERVER names another server.
+// A queue's PPD and defaults, asked from CUPS; CUPS_SERVER names another server. An instance of the
+// user's stands behind a slash, as for lp.
 QueueSource PPDFromQueue(const std::string& queue);
 
 // Options as lp takes them behind -o: several with blanks between, switches by their name alone.

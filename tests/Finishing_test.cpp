@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
 #include <string>
 #include <utility>
 
@@ -91,62 +90,6 @@ TEST(Watermark, IsCentredOnThePage) {
       EXPECT_NEAR(x, wantedX + 7, 0.001) << page.orientation << " at " << angle;
       EXPECT_NEAR(y, wantedY - 3, 0.001) << page.orientation << " at " << angle;
     }
-  }
-}
-
-// The attributes and settings that the features write for these options.
-std::string FeatureLines(const std::string& settings) {
-  std::string lines = Written("", settings, [](char* args[]) {
-    FeaturesGetTicketFromPDE(args);
-    FeaturesInializeDescriptionTableFromFilter();
-    FeaturesOutputXPJLCommandFromFilter(args);
-  });
-  lines = std::regex_replace(lines, std::regex("@PJL SET JOBATTR=\"@([^\"]*)\"\n"), "$1 ");
-  return std::regex_replace(lines, std::regex("@PJL SET ([^\n]*)\n"), "$1 ");
-}
-
-TEST(Features, SetTheFinisher) {
-  const std::string trimmer =
-      "TrimmerMMCuttingSizeTicket=5 TrimmerWidthMMSizeTicket=6 TrimmerHeightMMSizeTicket=7 "
-      "TrimmerAdjustMMSizeTicket=8 ";
-  const std::string stacking =
-      "OffsetStackingPagesLArrowTicket=12345 OffsetStackingUnitsLArrowTicket=3 ";
-  const struct {
-    std::string options, lines;
-  } cases[] = {
-      {"", ""},
-      {"TabMarginSwitchTicket=0", "TABS=OFF "},
-      {"TabMarginSwitchTicket=1 TabMarginMMShiftTicket=12.75", "TABS=12.7 "},
-      {trimmer + "TrimmerSwitchTicket=0", "TRMR=0 "},
-      {trimmer + "TrimmerSwitchTicket=1", "TRMR=5 "},
-      {trimmer + "TrimmerSwitchTicket=1 TrimmerSelectTicket=2", "TRMR=5 TRMR=5 TRFW=0 TROP=0 "},
-      {trimmer + "TrimmerSelectTicket=3", "TRMR=6 TRFW=7 TROP=8 "},
-      {"NumInSequenceSwitchTicket=0", "MDOC=0 "},
-      {"NumInSequenceSwitchTicket=1 NumInSequenceLArrowTicket=9", "MDOC=9 "},
-      {stacking + "OffsetStackingListTicket=4", "JOBOFFSET=PAGES OCSN=12345 "},
-      {stacking + "OffsetStackingListTicket=5", "JOBOFFSET=COPIES OCSN=3 "},
-      {"EjectOptionsListTicket=1", ""},
-      {"EjectOptionsListTicket=2", "FACE=DOWN "},
-      {"EjectOptionsListTicket=3", "FACE=UP "},
-      {"EjectOptionsListTicket=4", "FACE=DOWN_REVERSE "},
-      {"EjectOptionsListTicket=5", "FACE=UP_REVERSE "},
-      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=false", "FACE=OFF "},
-      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=true", "FACE=OFF "},
-      {"EjectOptionsListTicket=1 CoilPunchFaceTicket=true ZLVNumPunchHoles=2Holes", "FACE=OFF "},
-  };
-  for (const auto& c : cases) EXPECT_EQ(FeatureLines(c.options), c.lines) << c.options;
-}
-
-TEST(Features, TurnCoilPunchedSheetsWithA5OrTabStockFaceUp) {
-  const std::string coil =
-      "EjectOptionsListTicket=1 CoilPunchFaceTicket=true ZLVNumPunchHoles=CoilPunch ";
-  for (unsigned stock = 0; stock < 16; stock++) {  // a bit each: A5 or tab, body or special pages
-    const std::string options =
-        coil + (stock & 1 ? "media=A5 " : "media=A4 ") +
-        (stock & 2 ? "whetherMediaSizeA5Ticket=1 " : "whetherMediaSizeA5Ticket=0 ") +
-        (stock & 4 ? "featuresMediaTypeTabTicket=true " : "featuresMediaTypeTabTicket=false ") +
-        (stock & 8 ? "whetherMediaTypeTabTicket=1" : "whetherMediaTypeTabTicket=0");
-    EXPECT_EQ(FeatureLines(options), stock == 0 ? "FACE=OFF " : "FACE=UP ") << options;
   }
 }
 

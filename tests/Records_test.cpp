@@ -1,0 +1,132 @@
+// What no whole job shows, or only in very many: records and functions by themselves.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "FilterFrame/Source/JobState.h"
+#include "modules/accounting/Accounting.h"
+#include "modules/comment/Comment.h"
+#include "modules/quality/Quality.h"
+#include "modules/specialpages/SpecialPages.h"
+#include "tests/support/Patterns.h"
+#include "tests/support/Tickets.h"
+#include "text/BoundedText.h"
+
+namespace {
+
+TEST(Accounting, UnknownNamesHavePlaceholders) {
+  for (char* name : {HostNameStr, StdUserName, StdJBAUserName, StdDocumentName}) *name = '\0';
+  CopyBounded(IPAddressStr, "I0A010203");
+  const std::string lines = Written(kLatin1PPD, "", [](char* args[]) {
+    JBAGetTicketFromPDE(args);
+    JBAInializeDescriptionTableFromFilter();
+    JBAOutputXPJLCommandFromFilter(args);
+  });
+  EXPECT_EQ(std::regex_replace(lines, std::regex("@PJL SET JOBATTR="), ""),
+            "\"@CNAM=UnknownHost\"\n\"@LUNA=UnknownUser\"\n\"@HOAD=I0A010203\"\n"
+            "\"@NLPP=1\"\n\"@JOAU=\"\r\n");
+  *IPAddressStr = '\0';
+}
+
+// features.txt has the device's line for each choice of each feature: keyword, choice, line.
+TEST(Quality, FindsTheLineBehindAFeature) {
+  const auto find = GetThePJLCommandfromKeywordsandMarkedValue;
+  std::set<std::string> found;
+  std::ifstream lines(TEST_DATA_DIR "/features.txt");
+  for (std::string keyword, choice, line; lines >> keyword >> choice >> line;) {
+    const bool attribute = line.starts_with('@');
+    const std::string wanted = "@PJL SET " + (attribute ? "JOBATTR=\"" + line + '"' : line) + '\n';
+    const char* made = find("*" + keyword, choice);
+    EXPECT_EQ(made != nullptr ? made : "none", wanted) << keyword << " " << choice;
+    found.insert(keyword + choice);
+  }
+  EXPECT_EQ(found.size(), kFeatureLineCount - 1);
+  for (const auto& [keyword, choice] : std::vector<std::pair<std::string, std::string>>{
+           {"*ZLVColorDensityBlackHigh", "+3"},  // the last row is never found
+           {"*ZLVSetTrapMode", "false"},
+           {"ZLVSetTrapMode", "False"},
+           {"*", ""},
+           {"", ""}}) {
+    EXPECT_EQ(find(keyword, choice), nullptr) << keyword << choice;
+  }
+}
+
+TEST(Quality, GivesDefaultsForWhatThePPDDoesNotOffer) {
+  const std::string offered =
+      "*OpenUI *ZLVBrightnes: PickOne\n*DefaultZLVBrightnes: Normal\n"
+      "*ZLVBrightnes Normal: \"\"\n*CloseUI: *ZLVBrightnes\n";
+  const auto put = [](char**) { OutputPJLCommandForPPDKeyArray(PPDKeyArray, JobPPD()); };
+  EXPECT_EQ(Written(offered, "", put),
+            "@PJL SET JOBATTR=\"@TRAP=OFF\"\n@PJL SET JOBATTR=\"@GRGU=OFF\"\n"
+            "@PJL SET JOBATTR=\"@RGBP=SRGB\"\n@PJL SET JOBATTR=\"@RGBG=22\"\n"
+            "@PJL SET ECONOMODE=OFF\n");
+}
+
+TEST(SpecialPages, KeywordsStandAtTheEvenPlacesBelowTheCount) {
+  for (const auto& [count, result] : {std::pair(6, 0), {5, 0}, {4, -1}, {0, -1}, {-1, -1}}) {
+    char word[kSpecialPageFieldSize] = {};
+    EXPECT_EQ(getSpecialPageXPJLValue("two-sided-short-edge", SidesXPJLComm, count, word), result);
+    EXPECT_STREQ(word, result == 0 ? "TUMBLE" : "");
+  }
+}
+
+TEST(Comment, KeepsItsCollationWhenTheOptionsSayNothingOfIt) {
+  CopyBounded(psoptioncomment.collate, "collate");
+  CommentGetTicketFromPDE(Arguments("ZLVStaple=None"));
+  EXPECT_STREQ(std::exchange(psoptioncomment, {}).collate, "collate");
+}
+
+std::string Orientation(const std::string& options) {
+  const std::string summary = Written("", options, [](char* args[]) {
+    CommentGetTicketFromPDE(args);
+    OutputXPJLCommandforCommentAdvanced();
+  });
+  const auto found = Captures("ORIENTATION=([A-Z]*)", summary);
+  return found.empty() ? "" : found.front();
+}
+
+TEST(Comment, TurnsTheOrientationWithTheSheet) {
+  const struct {
+    std::vector<const char*> signatures, numbersUp;
+    std::string words[4];  // for the requested orientations 1, 4, 5 and 6
+  } cases[] = {
+      {{"LeftSig", "LeftSigCenterStaple", "LeftSigFold"},
+       {"1", "4", "9", "16"},
+       {"LANDSCAPE", "ROTATEDPORTRAIT", "ROTATEDPORTRAIT", "LANDSCAPE"}},
+      {{"LeftSig", "LeftSigFold"},
+       {"2", "6"},
+       {"ROTATEDPORTRAIT", "LANDSCAPE", "LANDSCAPE", "ROTATEDPORTRAIT"}},
+      {{"RightSig", "RightSigCenterStaple", "RightSigFold"},
+       {"1", "4", "9", "16"},
+       {"ROTATEDLANDSCAPE", "PORTRAIT", "PORTRAIT", "ROTATEDLANDSCAPE"}},
+      {{"RightSig", "RightSigFold"},
+       {"2", "6"},
+       {"PORTRAIT", "ROTATEDLANDSCAPE", "ROTATEDLANDSCAPE", "PORTRAIT"}},
+      {{"None"}, {"1"}, {"PORTRAIT", "LANDSCAPE", "ROTATEDLANDSCAPE", "ROTATEDPORTRAIT"}},
+      {{"None"}, {"2", "6"}, {"LANDSCAPE", "PORTRAIT", "PORTRAIT", "LANDSCAPE"}},
+      {{"None"}, {"4", "9", "16"}, {"PORTRAIT", "LANDSCAPE", "LANDSCAPE", "PORTRAIT"}},
+      {{"None", "LeftSig", "RightSig", "Other"}, {"3", "8", "-1"}, {}},
+      {{"Other"}, {"1", "2", "4"}, {}},
+  };
+  const char* requested[] = {"1", "4", "5", "6"};
+  for (const auto& c : cases) {
+    for (const std::string signature : c.signatures) {
+      for (const std::string numberUp : c.numbersUp) {
+        for (std::size_t i = 0; i < std::size(requested); i++) {
+          const std::string options = "ZLVSignature=" + signature + " number-up=" + numberUp +
+                                      " orientation-requested=" + requested[i];
+          EXPECT_EQ(Orientation(options), c.words[i]) << options;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(Orientation("orientation-requested=3"), "");
+}
+
+}  // namespace

@@ -4,11 +4,13 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <set>
 
 #include "engine/StoredPassword.h"
 #include "queue/HeaderCheck.h"
 #include "queue/HeaderProof.h"
+#include "queue/SecretOptions.h"
 #include "queue/SpecialPageTickets.h"
 #include "queue/StandardOptions.h"
 #include "queue/TextForms.h"
@@ -34,6 +36,13 @@ std::string Advice(std::string_view name, const std::vector<std::string>& candid
 
 bool IsEntered(std::string_view value) {
   return value.starts_with("Custom.") || value.starts_with('{');
+}
+
+// Whether an option says how the job is held or counted.
+bool DecidesHold(const std::string& option) {
+  return std::ranges::any_of(TicketRows(), [&option](const TicketRow& row) {
+    return option == row.option && MustHold(row.ticket);
+  });
 }
 
 PageSize MarkedPage(ppd_file_t* ppd) {
@@ -72,6 +81,13 @@ void Composition::compose(char* const args[]) {
   ProveHeader(own.data(), tickets_, collate_, complaints_);
 }
 
+// A password is not repeated.
+std::string Composition::unknownChoice(const JobOption& option) const {
+  if (IsSecretOption(option.name)) return option.name + ": its value has to begin with Custom.";
+  return Said(option.name, option.value) + ": there is no such choice" +
+         Advice(option.value, choices_.choiceNames(option.name));
+}
+
 // What libcups passes over in silence.
 void Composition::remarkUnknown() {
   for (const JobOption& option : choices_.jobOptions()) {
@@ -84,8 +100,7 @@ void Composition::remarkUnknown() {
       complaints_.warn(option.name + ": this printer has no such option" +
                        Advice(option.name, choices_.optionNames()));
     } else if (own && !IsEntered(option.value) && !choices_.offers(option.name, option.value)) {
-      complaints_.warn(Said(option.name, option.value) + ": there is no such choice" +
-                       Advice(option.value, choices_.choiceNames(option.name)));
+      complaints_.complain(DecidesHold(option.name), unknownChoice(option));
     }
   }
 }

@@ -44,6 +44,7 @@ class Composition {
   PageSize page() const { return page_; }
 
  private:
+  std::string unknownChoice(const JobOption& option) const;
   void remarkUnknown();
   void takeGiven();
   void applyMeanings();

@@ -122,14 +122,16 @@ void RunAll(const std::vector<int>& numbers, int jobs, Done done) {
 }
 
 int Usage() {
-  std::fputs("Usage: mutate_tables [--list | --matrix] [-j jobs] [word of a mutant's name]\n",
-             stderr);
+  std::fputs(
+      "Usage: mutate_tables [--list | --matrix] [-j jobs] [--every n] [word of a mutant's name]\n",
+      stderr);
   return EXIT_FAILURE;
 }
 
 int Run(int argc, char* argv[]) {
   bool list = false, matrix = false;
   int jobs = 2;
+  std::size_t every = 1;
   std::string word;
   for (int i = 1; i < argc; i++) {
     const std::string argument = argv[i];
@@ -139,6 +141,8 @@ int Run(int argc, char* argv[]) {
       matrix = true;
     else if (argument == "-j" && i + 1 < argc)
       jobs = std::atoi(argv[++i]);
+    else if (argument == "--every" && i + 1 < argc)
+      every = static_cast<std::size_t>(std::max(1, std::atoi(argv[++i])));
     else if (argument.starts_with('-') || jobs < 1)
       return Usage();
     else
@@ -149,7 +153,7 @@ int Run(int argc, char* argv[]) {
 
   const TableMutants mutants = AllTableMutants();
   std::vector<int> numbers;
-  for (std::size_t i = 0; i < mutants.size(); i++) {
+  for (std::size_t i = 0; i < mutants.size(); i += every) {
     if (mutants[i].name.find(word) != std::string::npos) numbers.push_back(static_cast<int>(i));
   }
   if (list) {

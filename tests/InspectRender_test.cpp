@@ -143,6 +143,9 @@ TEST(InspectRender, TakesTheFoldersNameForAFolder) {
 }
 
 TEST(InspectRender, HasLimits) {
+  const char* noise =  // pictures that cannot be packed
+      "/s 60000 string def 0 1 59999 { s exch rand 255 and put } for { gsave 612 792 scale "
+      "200 100 8 [200 0 0 100 0 0] s false 3 colorimage grestore showpage } loop";
   const struct {
     const char* document;
     std::vector<std::string> limit;
@@ -150,8 +153,8 @@ TEST(InspectRender, HasLimits) {
   } rows[] = {
       {"{} loop", {"--limit-cpu", "1"}, "more than 1 seconds of processor time"},
       {"{} loop", {"--limit-time", "1"}, "longer than 1 seconds"},
-      {"[ { 60000 string } loop", {"--limit-memory", "300"}, "VMerror"},
-      {"{ showpage } loop", {"--limit-output", "1", "--dpi", "300"}, "pictures grow too large"},
+      {"[ { 60000 string } loop", {"--limit-memory", "150"}, "VMerror"},
+      {noise, {"--limit-output", "1"}, "pictures grow too large"},
       {"{ (x) print } loop", {"--limit-cpu", "1"}, "more than 1 seconds of processor time"},
   };
   for (const auto& row : rows) {

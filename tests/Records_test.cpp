@@ -14,24 +14,49 @@
 #include "modules/comment/Comment.h"
 #include "modules/quality/Quality.h"
 #include "modules/specialpages/SpecialPages.h"
+#include "tests/support/Password.h"
 #include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
 #include "text/BoundedText.h"
 
 namespace {
 
-TEST(Accounting, UnknownNamesHavePlaceholders) {
-  for (char* name : {HostNameStr, StdUserName, StdJBAUserName, StdDocumentName}) *name = '\0';
-  CopyBounded(IPAddressStr, "I0A010203");
-  const std::string lines = Written(kLatin1PPD, "", [](char* args[]) {
+std::string AccountingLines(const std::string& settings) {
+  const std::string lines = Written(kLatin1PPD, settings, [](char* args[]) {
     JBAGetTicketFromPDE(args);
     JBAInializeDescriptionTableFromFilter();
     JBAOutputXPJLCommandFromFilter(args);
   });
-  EXPECT_EQ(std::regex_replace(lines, std::regex("@PJL SET JOBATTR="), ""),
-            "\"@CNAM=UnknownHost\"\n\"@LUNA=UnknownUser\"\n\"@HOAD=I0A010203\"\n"
-            "\"@NLPP=1\"\n\"@JOAU=\"\r\n");
+  return std::regex_replace(lines, std::regex("@PJL SET JOBATTR="), "");
+}
+
+TEST(Accounting, UnknownNamesHavePlaceholders) {
+  for (char* name : {HostNameStr, StdUserName, StdJBAUserName, StdDocumentName}) *name = '\0';
+  CopyBounded(IPAddressStr, "I0A010203");
+  const std::string unknown =
+      "\"@CNAM=UnknownHost\"\n\"@LUNA=UnknownUser\"\n\"@HOAD=I0A010203\"\n\"@NLPP=1\"\n";
+  EXPECT_EQ(AccountingLines(""), unknown + "\"@JOAU=\"\r\n");
   *IPAddressStr = '\0';
+}
+
+// Nobody's account is nobody's, even where it has a name by mistake.
+TEST(Accounting, AJobOfNobodyHasNoLoginName) {
+  CopyBounded(HostNameStr, "atlas");
+  CopyBounded(StdJBAUserName, "acc");
+  *StdUserName = *StdDocumentName = '\0';
+  const std::string always = "\"@CNAM=atlas\"\n\"@LUNA=UnknownUser\"\n\"@NLPP=1\"\n";
+  const std::string account = "\"@DAID=\"\r\n";
+  for (const std::string list : {"0", "1", "3"}) {
+    for (const std::string& password : {std::string(), "PasswordTextEditTicket=" + Stored("pw")}) {
+      const auto settings = [&](const std::string& of) {
+        return of + "UserSettingRadioBtnTicket=1 " + of + "UserIDListCtrlTicket=1 " +
+               (password.empty() ? "" : of + "User" + password) + " JBAUserIDTextEditTicket=x " +
+               "JBAInfoListTicketKey=" + list + " JBAManageTypeListTicketKey=";
+      };
+      EXPECT_EQ(AccountingLines(settings("JBA") + "2"), always + account);
+      EXPECT_EQ(AccountingLines(settings("JBAAdmin") + "1"), account + always);
+    }
+  }
 }
 
 // features.txt has the device's line for each choice of each feature: keyword, choice, line.

@@ -6,7 +6,7 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <span>
@@ -17,6 +17,11 @@ namespace {
 
 constexpr std::string_view kCustom = "Custom.";
 
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
 std::span<ppd_group_t> Subgroups(ppd_group_t& group) {
   return {group.subgroups, static_cast<std::size_t>(group.num_subgroups)};
 }
@@ -26,57 +31,48 @@ void AddOptionNames(ppd_group_t& group, std::vector<std::string>& names) {
   for (ppd_group_t& subgroup : Subgroups(group)) AddOptionNames(subgroup, names);
 }
 
-// Whether entered text has a length that the PPD allows.
-std::string LengthProblem(const char* text, int least, int most) {
-  const int length = text != nullptr ? static_cast<int>(std::strlen(text)) : 0;
+bool SaysCustom(std::string_view written) {
+  return written.size() >= kCustom.size() &&
+         strncasecmp(written.data(), kCustom.data(), kCustom.size()) == 0;
+}
+
+// The value of "Custom.VALUE" or "{Parameter=VALUE}".
+std::string EnteredText(std::string_view written) {
+  if (SaysCustom(written)) return std::string(written.substr(kCustom.size()));
+  const std::size_t equals = written.find('=');
+  if (!written.starts_with('{') || !written.ends_with('}') || equals == written.npos) return {};
+  return std::string(written.substr(equals + 1, written.size() - equals - 2));
+}
+
+std::string LengthProblem(const std::string& text, int least, int most) {
+  const int length = static_cast<int>(text.size());
   if (length < std::max(least, 1)) return "is too short";
   return length > most ? "is longer than " + std::to_string(most) + " bytes" : "";
 }
 
-std::string RangeProblem(double value, double least, double most) {
-  if (value >= least && value <= most) return "";
-  char text[64];
-  std::snprintf(text, sizeof text, "is not within %g to %g", least, most);
-  return text;
-}
-
-// Whether all of a written value is a number; what came in another form libcups has read already.
-bool IsNumber(std::string_view written) {
-  if (!written.starts_with(kCustom)) return true;
-  const std::string digits(written.substr(kCustom.size()));
+std::string NumberProblem(const std::string& text, int least, int most) {
   char* end = nullptr;
-  std::strtol(digits.c_str(), &end, 10);
-  return end != digits.c_str() && *end == '\0';
+  const long number = std::strtol(text.c_str(), &end, 10);
+  if (text.empty() || *end != '\0') return "is no number";
+  if (number >= least && number <= most) return "";
+  return "is not within " + std::to_string(least) + " to " + std::to_string(most);
 }
 
-// The value that libcups has taken from "Custom.VALUE"; one parameter is all our PPDs have.
-void ReadEntered(ppd_file_t* ppd, const char* option, std::string_view written, Choice& choice) {
-  ppd_coption_t* custom = ppdFindCustomOption(ppd, option);
-  ppd_cparam_t* parameter = custom != nullptr ? ppdFirstCustomParam(custom) : nullptr;
-  if (parameter == nullptr) return;
-  const auto& least = parameter->minimum;
-  const auto& most = parameter->maximum;
-  const auto& now = parameter->current;
-  switch (parameter->type) {
+// One parameter is all our PPDs have.
+std::string ParameterProblem(const ppd_cparam_t& parameter, const std::string& text) {
+  const auto& least = parameter.minimum;
+  const auto& most = parameter.maximum;
+  switch (parameter.type) {
     case PPD_CUSTOM_INT:
-      choice.entered = std::to_string(now.custom_int);
-      choice.problem = RangeProblem(now.custom_int, least.custom_int, most.custom_int);
-      if (!IsNumber(written)) choice.problem = "is no number";
-      break;
+      return NumberProblem(text, least.custom_int, most.custom_int);
     case PPD_CUSTOM_STRING:
-      choice.entered = now.custom_string != nullptr ? now.custom_string : "";
-      choice.problem = LengthProblem(now.custom_string, least.custom_string, most.custom_string);
-      break;
+      return LengthProblem(text, least.custom_string, most.custom_string);
     case PPD_CUSTOM_PASSWORD:
+      return LengthProblem(text, least.custom_password, most.custom_password);
     case PPD_CUSTOM_PASSCODE:
-      // libcups has not been told.
-      choice.entered = written.starts_with(kCustom) ? written.substr(kCustom.size()) : "";
-      choice.problem =
-          LengthProblem(choice.entered.c_str(), least.custom_passcode, most.custom_passcode);
-      break;
+      return LengthProblem(text, least.custom_passcode, most.custom_passcode);
     default:
-      choice.entered = written;
-      break;
+      return {};
   }
 }
 
@@ -97,7 +93,8 @@ void Choices::mark() {
   std::vector<cups_option_t> list;
   std::string hidden = std::string(kCustom) + "*";
   for (JobOption& option : options_) {
-    const bool isHidden = IsSecretOption(option.name) && option.value.starts_with(kCustom);
+    const bool isHidden = IsSecretOption(option.name) &&
+                          (isEntered(option.value) || !offers(option.name, option.value));
     list.push_back({option.name.data(), isHidden ? hidden.data() : option.value.data()});
   }
   // libcups looks names up by halving; of two options with one name the later one has to be last.
@@ -119,16 +116,48 @@ bool Choices::offers(const std::string& option, const std::string& choice) const
 Choice Choices::choice(const std::string& option) const {
   Choice result;
   if (ppd_ == nullptr) return result;
-  ppd_choice_t* marked = ppdFindMarkedChoice(ppd_, option.c_str());
+  const ppd_choice_t* marked = ppdFindMarkedChoice(ppd_, option.c_str());
   if (marked == nullptr) return result;
   result.keyword = marked->choice;
   const std::string* written = given(option);
-  result.given = written != nullptr;
+  result.given = written != nullptr && !refused_.contains(Lower(option));
   if (result.keyword == "Custom") {
-    ReadEntered(ppd_, option.c_str(), written != nullptr ? *written : marked->option->defchoice,
-                result);
+    result.entered = EnteredText(result.given ? *written : defaultChoice(option));
   }
   return result;
+}
+
+std::string PPDDefault(ppd_file_t* ppd, const std::string& option) {
+  const ppd_attr_t* attribute =
+      ppd != nullptr ? ppdFindAttr(ppd, ("Default" + option).c_str(), nullptr) : nullptr;
+  return attribute != nullptr && attribute->value != nullptr ? attribute->value : "";
+}
+
+std::string Choices::defaultChoice(const std::string& option) const {
+  return PPDDefault(ppd_, option);
+}
+
+void Choices::markDefault(const std::string& option) {
+  refused_.insert(Lower(option));
+  if (ppd_ != nullptr) ppdMarkOption(ppd_, option.c_str(), defaultChoice(option).c_str());
+}
+
+bool Choices::isEntered(std::string_view written) {
+  return SaysCustom(written) || written.starts_with('{');
+}
+
+std::string Choices::enteredProblem(const std::string& option, const std::string& written) const {
+  ppd_coption_t* custom = ppd_ != nullptr ? ppdFindCustomOption(ppd_, option.c_str()) : nullptr;
+  const ppd_cparam_t* parameter = custom != nullptr ? ppdFirstCustomParam(custom) : nullptr;
+  return parameter != nullptr ? ParameterProblem(*parameter, EnteredText(written)) : "";
+}
+
+void Choices::forgetSecrets() {
+  for (JobOption& option : options_) {
+    if (!IsSecretOption(option.name)) continue;
+    OPENSSL_cleanse(option.value.data(), option.value.size());
+    option.value.clear();
+  }
 }
 
 const std::string* Choices::given(std::string_view name) const {
@@ -142,6 +171,10 @@ const std::string* Choices::given(std::string_view name) const {
 }
 
 void Choices::give(const std::string& option, const std::string& value) {
+  std::erase_if(options_, [&](const JobOption& given) {
+    return strcasecmp(given.name.c_str(), option.c_str()) == 0;
+  });
+  refused_.erase(Lower(option));
   options_.push_back({option, value});
   if (ppd_ != nullptr) ppdMarkOption(ppd_, option.c_str(), value.c_str());
 }

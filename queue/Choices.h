@@ -7,6 +7,7 @@
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,8 +23,11 @@ struct Choice {
   std::string keyword;  // the choice's own spelling; "Custom" for an entered value
   std::string entered;  // the entered value, as text
   bool given = false;   // the job says so; else it is the PPD's default
-  std::string problem;  // why an entered value is not acceptable; empty when it is
 };
+
+// The PPD's default for an option, whole: libcups itself keeps 40 bytes of it. Empty when there is
+// none.
+std::string PPDDefault(ppd_file_t* ppd, const std::string& option);
 
 class Choices {
  public:
@@ -39,6 +43,21 @@ class Choices {
 
   // What is marked; an option that the PPD does not have has no keyword.
   Choice choice(const std::string& option) const;
+
+  // The queue's default, as the PPD has it whole: a choice, or an entered value behind "Custom.".
+  std::string defaultChoice(const std::string& option) const;
+
+  // Marks the queue's default instead of what the job says.
+  void markDefault(const std::string& option);
+
+  // Whether a value is written as an entered one.
+  static bool isEntered(std::string_view written);
+
+  // Why a value that is written as an entered one is not acceptable; empty when it is.
+  std::string enteredProblem(const std::string& option, const std::string& written) const;
+
+  // Wipes the job's passwords.
+  void forgetSecrets();
 
   // The job's own value of an option or attribute; null when it has none.
   const std::string* given(std::string_view name) const;
@@ -57,4 +76,5 @@ class Choices {
 
   ppd_file_t* ppd_;
   std::vector<JobOption> options_;
+  std::set<std::string> refused_;  // options for which the job's own value does not count
 };

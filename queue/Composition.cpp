@@ -2,22 +2,21 @@
 
 #include "queue/Composition.h"
 
-#include <strings.h>
-
 #include <algorithm>
+#include <cctype>
 #include <set>
 
+#include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
 #include "engine/StoredPassword.h"
 #include "queue/HeaderCheck.h"
 #include "queue/HeaderProof.h"
-#include "queue/SecretOptions.h"
+#include "queue/OptionChecks.h"
 #include "queue/SpecialPageTickets.h"
 #include "queue/StandardOptions.h"
 #include "queue/TextForms.h"
 #include "queue/TicketChecks.h"
 #include "queue/TicketKeys.h"
 #include "queue/TicketRows.h"
-#include "text/NearestName.h"
 
 namespace {
 
@@ -29,20 +28,15 @@ std::string Said(const std::string& option, const std::string& value) {
   return option + "=" + value;
 }
 
-std::string Advice(std::string_view name, const std::vector<std::string>& candidates) {
-  const std::string nearest = NearestName(name, candidates);
-  return nearest.empty() ? "" : " (did you mean " + nearest + "?)";
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
 }
 
-bool IsEntered(std::string_view value) {
-  return value.starts_with("Custom.") || value.starts_with('{');
-}
-
-// Whether an option says how the job is held or counted.
-bool DecidesHold(const std::string& option) {
-  return std::ranges::any_of(TicketRows(), [&option](const TicketRow& row) {
-    return option == row.option && MustHold(row.ticket);
-  });
+// Copies that are no number are one.
+JobFacts WithCopies(JobFacts facts) {
+  if (!IsDigits(facts.copies)) facts.copies = "1";
+  return facts;
 }
 
 PageSize MarkedPage(ppd_file_t* ppd) {
@@ -55,16 +49,16 @@ PageSize MarkedPage(ppd_file_t* ppd) {
 
 Composition::Composition(ppd_file_t* ppd, JobFacts facts, std::vector<JobOption> options)
     : ppd_(ppd),
-      facts_(std::move(facts)),
+      facts_(WithCopies(std::move(facts))),
       choices_(ppd, WithAttributes(ppd, WithoutLocked(ppd, std::move(options), complaints_),
                                    complaints_)),
       page_(MarkedPage(ppd)) {}
 
 void Composition::compose(char* const args[]) {
-  remarkUnknown();
+  CheckOptions(choices_, complaints_);
   takeGiven();
   applyMeanings();
-  resolveConflicts();
+  ResolveConflicts(ppd_, choices_, complaints_);
   for (const TicketRow& row : TicketRows()) applyRow(row);
   remarkIdle();
   passOn();
@@ -79,37 +73,19 @@ void Composition::compose(char* const args[]) {
   own[3] = facts_.title.data();
   own[4] = facts_.copies.data();
   ProveHeader(own.data(), tickets_, collate_, complaints_);
-}
-
-// A password is not repeated.
-std::string Composition::unknownChoice(const JobOption& option) const {
-  if (IsSecretOption(option.name)) return option.name + ": its value has to begin with Custom.";
-  return Said(option.name, option.value) + ": there is no such choice" +
-         Advice(option.value, choices_.choiceNames(option.name));
-}
-
-// What libcups passes over in silence.
-void Composition::remarkUnknown() {
-  for (const JobOption& option : choices_.jobOptions()) {
-    const bool own = option.name.starts_with(kOwnOptions);
-    if (IsDialogKey(option.name)) {
-      if (!TicketKeyOf(option.name).empty()) continue;
-      complaints_.warn(option.name + ": there is no such ticket" +
-                       Advice(option.name, TicketKeys()));
-    } else if (own && !choices_.offers(option.name)) {
-      complaints_.warn(option.name + ": this printer has no such option" +
-                       Advice(option.name, choices_.optionNames()));
-    } else if (own && !IsEntered(option.value) && !choices_.offers(option.name, option.value)) {
-      complaints_.complain(DecidesHold(option.name), unknownChoice(option));
-    }
-  }
+  choices_.forgetSecrets();
 }
 
 void Composition::takeGiven() {
   for (const JobOption& option : choices_.jobOptions()) {
     const std::string key = TicketKeyOf(option.name);
     if (key.empty() || !IsTicketOnly(key)) continue;
-    tickets_.add({key, option.value, kGivenByJob, IsPassword(key)});
+    const TicketData* row = FindTicketData(key);
+    JobTicket ticket{key, option.value, kGivenByJob, IsPassword(key)};
+    if (row != nullptr && row->getter == GetTicketInteger && IsDigits(option.value)) {
+      ticket.value = std::to_string(DecimalInteger(option.value.c_str()));  // as conditions have it
+    }
+    tickets_.add(std::move(ticket));
   }
 }
 
@@ -124,27 +100,10 @@ void Composition::applyMeanings() {
       continue;
     }
     complaints_.complain(
-        row.fails,
+        row.fails, row.option,
         std::string(row.option) + " counts only with " + Said(row.mainOption, row.choice) +
             (main.keyword.empty() ? ", which this printer has not" : ", not with " + main.keyword));
   }
-}
-
-// Of two choices that exclude each other the one that can give way is not passed on.
-void Composition::resolveConflicts() {
-  if (ppd_ == nullptr || ppdConflicts(ppd_) == 0) return;
-  cups_option_t* solution = nullptr;
-  int count = 0;
-  cupsResolveConflicts(ppd_, nullptr, nullptr, &count, &solution);
-  for (int i = 0; i < count; i++) {
-    const std::string name = solution[i].name;
-    const std::string before = choices_.choice(name).keyword;
-    if (!name.starts_with(kOwnOptions) || before == solution[i].value) continue;
-    const bool mustHold = name == "ZLVPrintType" || name == "ZLVAccounting";
-    complaints_.complain(mustHold, Said(name, before) + " does not go with the other choices");
-    ppdMarkOption(ppd_, solution[i].name, solution[i].value);
-  }
-  cupsFreeOptions(count, solution);
 }
 
 // What is chosen where a row looks: an option of the PPD, or an attribute that it does not have.
@@ -153,11 +112,11 @@ Choice Composition::choiceFor(const TicketRow& row) const {
   const std::string_view name = row.option;
   const std::string* given = name == "copies" ? &facts_.copies : choices_.given(name);
   if (given == nullptr || name.starts_with(kOwnOptions)) return {};
-  return {*given, "", true, ""};
+  return {*given, "", true};
 }
 
 void Composition::applyRow(const TicketRow& row) {
-  Choice choice = choiceFor(row);
+  const Choice choice = choiceFor(row);
   if (!HasWord(row.choice, choice.keyword) || !Holds(row.condition, tickets_)) return;
   const bool secret = row.making == Making::kPassword;
   const bool custom = choice.keyword == kCustom;
@@ -167,35 +126,57 @@ void Composition::applyRow(const TicketRow& row) {
   if (row.making == Making::kLogin) {
     ticket.value = TicketText(facts_.user);
   } else if (row.making != Making::kWord) {
-    if (choice.problem.empty() && !HasForm(row.making, chosen)) choice.problem = "has another form";
     ticket.value = secret ? StoredPassword(chosen) : TicketText(chosen);
-    if (secret && ticket.value.empty()) choice.problem = "cannot be sealed";
-    if (!choice.problem.empty() && tickets_.find(row.ticket) == nullptr) {
+    const std::string problem =
+        secret && ticket.value.empty() ? "cannot be sealed" : FormProblem(row.making, chosen);
+    if (!problem.empty() && tickets_.find(row.ticket) == nullptr) {
       const std::string what = secret ? row.option : ticket.source;
-      return complaints_.complain(MustHold(row.ticket), what + ": it " + choice.problem);
+      return complaints_.complain(MustHold(row.ticket), row.option, what + ": it " + problem);
     }
   }
-  tickets_.add(std::move(ticket));
+  const std::string* given = tickets_.find(row.ticket);
+  if (given == nullptr) {
+    tickets_.add(std::move(ticket));
+  } else if (MustHold(row.ticket) && isWish(row.option) && *given != ticket.value &&
+             isGiven(row.ticket)) {
+    complaints_.fail(std::string(row.option) + ": the job's own ticket " + ShortKey(row.ticket) +
+                     " says otherwise");
+  }
 }
 
-// Options that a job gives and that nothing is made of, because another one is not as it should be.
+bool Composition::isGiven(std::string_view key) const {
+  return std::ranges::any_of(tickets_.tickets(), [key](const JobTicket& ticket) {
+    return ticket.key == key && ticket.source == kGivenByJob;
+  });
+}
+
+// Whether the job chooses something by the option that the queue would not do by itself.
+bool Composition::isWish(const std::string& option) const {
+  const Choice choice = choices_.choice(option);
+  if (!choice.given || choice.keyword == "None" || choice.keyword == "Off") return false;
+  return choice.keyword == kCustom || choice.keyword != choices_.defaultChoice(option);
+}
+
+// Wishes that nothing is made of, because another option is not as it should be.
 void Composition::remarkIdle() {
   std::set<std::string_view> seen;
   for (const TicketRow& row : TicketRows()) {
     if (row.condition.ticket == nullptr || !seen.insert(row.option).second) continue;
-    const Choice choice = choices_.choice(row.option);
-    if (!choice.given) continue;
+    if (!isWish(row.option)) continue;
+    const std::string keyword = choices_.choice(row.option).keyword;
     const TicketRow* idle = nullptr;
     bool works = false;
     for (const TicketRow& other : TicketRows()) {
       if (std::string_view(other.option) != row.option) continue;
-      if (!HasWord(other.choice, choice.keyword)) continue;
+      if (!HasWord(other.choice, keyword)) continue;
       works |= Holds(other.condition, tickets_);
       if (idle == nullptr) idle = &other;
     }
     if (idle == nullptr || works) continue;
-    complaints_.remark(std::string(row.option) + " has no effect: it counts only with " +
-                       WhatSets(idle->condition));
+    const std::string sentence = std::string(row.option) + " has no effect: it counts only with " +
+                                 WhatSets(idle->condition);
+    if (idle->making == Making::kPassword) complaints_.fail(sentence);
+    complaints_.remark(row.option, sentence);
   }
 }
 
@@ -204,10 +185,6 @@ void Composition::passOn() {
   for (const std::string& key : TicketKeys()) {
     const Choice choice = choices_.choice(key);
     if (choice.keyword.empty()) continue;
-    if (!choice.problem.empty()) {
-      complaints_.warn(Said(key, choice.entered) + ": it " + choice.problem);
-      continue;
-    }
     const bool custom = choice.keyword == kCustom;
     const std::string value = custom ? "Custom." + choice.entered : choice.keyword;
     tickets_.add({key, value, Said(key, value)});
@@ -223,11 +200,12 @@ void Composition::addMadeOfPage() {
 }
 
 void Composition::chooseCollate() {
+  constexpr char kYes[] = "true yes on 1";
   const std::string* handling = choices_.given("multiple-document-handling");
   const std::string* word = choices_.given("collate");
   const std::string marked = word != nullptr ? *word : choices_.choice("Collate").keyword;
   const bool collated = handling != nullptr && handling->find("-collated-") != std::string::npos;
-  collate_ = collated || strcasecmp(marked.c_str(), "true") == 0 ? "collate" : "nocollate";
+  collate_ = collated || HasWord(kYes, Lower(marked)) ? "collate" : "nocollate";
 }
 
 // The job's user and title stand in the header whatever the options are.
@@ -237,11 +215,11 @@ void Composition::checkNames() {
   constexpr char kWhy[] = " holds a quote or a control character";
   if (!FitsHeader(facts_.user)) {
     const bool counts = Holds(kNeedsUser[0], tickets_) || Holds(kNeedsUser[1], tickets_);
-    complaints_.complain(counts, std::string("The job's user name") + kWhy);
+    complaints_.complain(counts, "user", std::string("The job's user name") + kWhy);
     facts_.user.clear();
   }
   if (!FitsHeader(facts_.title)) {
-    complaints_.warn(std::string("The job's title") + kWhy);
+    complaints_.warn("title", std::string("The job's title") + kWhy);
     facts_.title.clear();
   }
 }

@@ -44,13 +44,12 @@ class Composition {
   PageSize page() const { return page_; }
 
  private:
-  std::string unknownChoice(const JobOption& option) const;
-  void remarkUnknown();
   void takeGiven();
   void applyMeanings();
-  void resolveConflicts();
   void applyRow(const struct TicketRow& row);
   Choice choiceFor(const TicketRow& row) const;
+  bool isGiven(std::string_view key) const;
+  bool isWish(const std::string& option) const;
   void remarkIdle();
   void passOn();
   void addMadeOfPage();

@@ -46,15 +46,29 @@ void ProveHold(const std::string& header, const TicketList& tickets, Complaints&
   }
 }
 
-// What does not open or does not seal protects nothing.
-void ProvePasswords(const TicketList& tickets, Complaints& complaints) {
+// What does not open or does not seal protects nothing, and neither does what stands in no line.
+void ProvePasswords(const std::string& header, const TicketList& tickets, Complaints& complaints) {
   for (const JobTicket& ticket : tickets.tickets()) {
     if (!IsPassword(ticket.key) || ticket.value.empty()) continue;
     const std::string_view sealed =
         static_cast<const char*>(FindTicketData(ticket.key)->destination);
+    const std::string name = ticket.source == kGivenByJob ? ShortKey(ticket.key) : ticket.source;
     // A blob that nothing was sealed into is all zero bytes.
-    if (sealed.find_first_not_of('A') != std::string_view::npos) continue;
-    complaints.fail(ShortKey(ticket.key) + ": the password cannot be sealed for the printer");
+    if (sealed.find_first_not_of('A') == std::string_view::npos) {
+      complaints.fail(name + ": the password cannot be sealed for the printer");
+    } else if (header.find(sealed) == std::string::npos) {
+      complaints.fail(name + ": the password has no effect with the other choices");
+    }
+  }
+}
+
+// Names and numbers that the queue filter has made tickets of for a hold or an account.
+void ProveNames(const std::string& header, const TicketList& tickets, Complaints& complaints) {
+  for (const JobTicket& ticket : tickets.tickets()) {
+    const TicketData* row = FindTicketData(ticket.key);
+    if (ticket.source == kGivenByJob || !MustHold(ticket.key) || !IsText(*row)) continue;
+    if (header.find(static_cast<const char*>(row->destination)) != std::string::npos) continue;
+    complaints.fail(ticket.source + " has no effect with the other choices");
   }
 }
 
@@ -70,7 +84,8 @@ void ProveHeader(char* args[], TicketList& tickets, std::string_view collate,
     header = HeaderFor(args, tickets.optionsText(collate));
   }
   ProveHold(header, tickets, complaints);
-  ProvePasswords(tickets, complaints);
+  ProvePasswords(header, tickets, complaints);
+  ProveNames(header, tickets, complaints);
 }
 
 std::string HeaderFor(char* args[], std::string options) {

@@ -1,5 +1,5 @@
-// For sanitized builds: what libcups keeps of a PPD for itself it does not give back, and nobody else
-// can.
+// For sanitized builds: what libcups keeps of a PPD for itself it does not give back, and nobody
+// else can.
 
 extern "C" const char* __lsan_default_suppressions();
 

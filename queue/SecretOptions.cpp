@@ -20,25 +20,27 @@ bool IsBlank(char c) {
   return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-// Passes over an option's value as libcups reads it: quoted parts, escaped characters, values in
-// braces. Where there is a `secret`, the value's characters go there, and asterisks take their
-// place.
+// Passes over an option's value as libcups reads it: in quotes or braces if it begins so, else up
+// to a blank; a backslash takes the next character as it is. Where there is a `secret`, the value's
+// characters go there, and asterisks take their place.
 char* TakeValue(char* at, std::string* secret) {
-  char quote = '\0';
-  for (; *at != '\0' && (quote != '\0' || !IsBlank(*at)); at++) {
-    if (quote == '\0' && (*at == '\'' || *at == '"')) {
-      quote = *at;
-    } else if (*at == quote) {
-      quote = '\0';
-    } else {
-      char* const first = at;
-      if (*at == '\\' && at[1] != '\0') at++;
-      if (secret == nullptr) continue;
-      secret->push_back(*at);
-      *first = *at = kMask;
-    }
+  const char first = *at;
+  const char end = first == '{' ? '}' : first;
+  const bool quoted = first == '\'' || first == '"';
+  const bool braced = first == '{';
+  if (quoted) at++;
+  for (; *at != '\0' && (quoted || braced ? *at != end : !IsBlank(*at)); at++) {
+    char* const start = at;
+    if (*at == '\\' && at[1] != '\0') at++;
+    if (secret == nullptr) continue;
+    secret->push_back(*at);
+    *start = *at = kMask;
   }
-  return at;
+  if (braced && *at != '\0' && secret != nullptr) {
+    secret->push_back(*at);
+    *at = kMask;
+  }
+  return *at != '\0' && (quoted || braced) ? at + 1 : at;
 }
 
 }  // namespace
@@ -60,6 +62,7 @@ std::vector<JobOption> TakeJobOptions(char* text) {
     const char* const name = at;
     while (at != end && *at != '=' && !IsBlank(*at)) at++;
     const std::string option(name, static_cast<const char*>(at));
+    while (at != end && IsBlank(*at)) at++;
     if (at != end && *at == '=') {
       std::string secret;
       const bool isSecret = IsSecretOption(option);

@@ -76,8 +76,9 @@ class Media {
     isA5 = size == "A5";
   }
 
+  // Whole millimetres: paper sizes are, and points only come near them.
   static std::string TenthsOfMillimetres(double points) {
-    return std::to_string(std::lround(points * 254 / 72));
+    return std::to_string(std::lround(points * 25.4 / 72) * 10);
   }
 
   std::string type;
@@ -198,8 +199,10 @@ void AddSpecialPageTickets(const Choices& choices, ppd_file_t* ppd, PageSize pag
                            TicketList& tickets, Complaints& complaints) {
   SpecialPages pages(choices, ppd, page, tickets);
   pages.addCovers();
-  if (!pages.addInsertions()) complaints.warn("ZLVInsertAfter is no list of pages such as 3,7");
-  if (!pages.addExceptions()) complaints.warn("ZLVExceptionPages is no list such as 1,5-8");
+  if (!pages.addInsertions())
+    complaints.warn("ZLVInsertAfter", "ZLVInsertAfter is no list of pages such as 3,7");
+  if (!pages.addExceptions())
+    complaints.warn("ZLVExceptionPages", "ZLVExceptionPages is no list such as 1,5-8");
   if (tickets.find(TICKET_KEY("EjectOptionsListTicket")) != nullptr) {
     const char* a5 = pages.anyA5() ? "1" : "0";
     tickets.add({TICKET_KEY("whetherMediaSizeA5Ticket"), a5, "ZLVOutputFace"});

@@ -41,20 +41,20 @@ bool IsAccount(const std::string& name) {
   });
 }
 
-bool IsLocked(const ppd_file_t* ppd) {
-  const ppd_option_t* lock =
-      ppd != nullptr ? ppdFindOption(const_cast<ppd_file_t*>(ppd), kLock) : nullptr;
-  return lock != nullptr && std::string_view(lock->defchoice) == "True";
+bool IsLocked(ppd_file_t* ppd) {
+  return strcasecmp(PPDDefault(ppd, kLock).c_str(), "True") == 0;
 }
 
 }  // namespace
 
-std::vector<JobOption> WithoutLocked(const ppd_file_t* ppd, std::vector<JobOption> options,
+std::vector<JobOption> WithoutLocked(ppd_file_t* ppd, std::vector<JobOption> options,
                                      Complaints& complaints) {
   const bool locked = IsLocked(ppd);
   std::erase_if(options, [&](const JobOption& option) {
     if (!SameName(option.name, kLock) && !(locked && IsAccount(option.name))) return false;
-    complaints.warn(option.name + " is fixed for this queue");
+    if (strcasecmp(option.value.c_str(), PPDDefault(ppd, option.name).c_str()) != 0) {
+      complaints.warn(option.name, option.name + " is fixed for this queue");
+    }
     return true;
   });
   return options;
@@ -80,7 +80,7 @@ std::vector<JobOption> WithAttributes(ppd_file_t* ppd, std::vector<JobOption> op
       complaints.fail(std::string(kEncryptionAttribute) + "=" + encryption + " is not known");
     }
     if (ppd == nullptr || ppdFindOption(ppd, row.option) == nullptr) {
-      complaints.complain(secret,
+      complaints.complain(secret, row.attribute,
                           std::string(row.attribute) + ": this printer has no " + row.option);
     } else if (Find(options, row.option) == options.end()) {
       options.push_back({row.option, "Custom." + value});

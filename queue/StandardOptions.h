@@ -12,7 +12,7 @@
 
 // Where the PPD's default of ZLVAccountingLock is True, nothing that has to do with accounting
 // comes from the job. The lock itself never does.
-std::vector<JobOption> WithoutLocked(const ppd_file_t* ppd, std::vector<JobOption> options,
+std::vector<JobOption> WithoutLocked(ppd_file_t* ppd, std::vector<JobOption> options,
                                      Complaints& complaints);
 
 // A password that cannot be an option, because of its encryption or the printer, fails the job.

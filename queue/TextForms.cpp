@@ -45,3 +45,17 @@ bool HasForm(Making form, std::string_view text) {
       return true;
   }
 }
+
+std::string FormProblem(Making form, std::string_view text) {
+  if (HasForm(form, text)) return {};
+  switch (form) {
+    case Making::kDigits:
+      return "has other characters than digits";
+    case Making::kNumber:
+      return "is no number";
+    case Making::kClock:
+      return "is no time of the day such as 22:30";
+    default:
+      return "is nothing that the printer takes";
+  }
+}

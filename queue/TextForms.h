@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "queue/TicketRows.h"
@@ -14,3 +15,6 @@ bool IsDigits(std::string_view text);
 //   kClock       HH:MM of 24 hours
 //   kSeparators  names and numbers, at most 14 bytes: more does not fit the line around them
 bool HasForm(Making form, std::string_view text);
+
+// What is wrong with a text of another form, behind "it"; empty when it has the form.
+std::string FormProblem(Making form, std::string_view text);

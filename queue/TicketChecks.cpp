@@ -3,19 +3,55 @@
 #include "queue/TicketChecks.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "queue/HeaderCheck.h"
 #include "queue/TextForms.h"
 #include "queue/TicketKeys.h"
+#include "text/Encoding.h"
 
 namespace {
 
 void CheckForms(TicketList& tickets, Complaints& complaints) {
   for (const FormRow& row : FormRows()) {
     const std::string* value = tickets.find(row.ticket);
-    if (value == nullptr || HasForm(row.form, DecodedText(*value))) continue;
-    LeaveOut(tickets, row.ticket, "has another form", complaints);
+    if (value == nullptr) continue;
+    const std::string problem = FormProblem(row.form, DecodedText(*value));
+    if (!problem.empty()) LeaveOut(tickets, row.ticket, problem, complaints);
   }
+}
+
+void CheckRanges(TicketList& tickets, Complaints& complaints) {
+  for (const RangeRow& row : RangeRows()) {
+    const std::string* value = tickets.find(row.ticket);
+    if (value == nullptr) continue;
+    const double number = std::strtod(value->c_str(), nullptr);
+    if (HasForm(Making::kNumber, *value) && number >= row.least && number <= row.most) continue;
+    LeaveOut(tickets, row.ticket,
+             "is not within " + std::to_string(row.least) + " to " + std::to_string(row.most),
+             complaints);
+  }
+}
+
+// Numbered tickets whose sheet lacks a field repeat the last one in its place.
+void CheckFields(TicketList& tickets, Complaints& complaints) {
+  const std::vector<JobTicket> all = tickets.tickets();
+  for (const JobTicket& ticket : all) {
+    for (const FieldsRow& row : FieldsRows()) {
+      if (!ticket.key.starts_with(row.prefix)) continue;
+      const std::string value = DecodedText(ticket.value);
+      const auto fields = std::ranges::count(value, ',') + 1;
+      if (fields == row.fields || fields == row.fieldsFromInserter) continue;
+      LeaveOut(tickets, ticket.key, "has not the fields of a sheet", complaints);
+    }
+  }
+}
+
+// How many characters a text has that the printer's encoding has not.
+bool LosesCharacters(const TicketData& row, const std::string& value) {
+  const std::string text = DecodedText(value);
+  const bool isUTF8 = row.getter == GetTicketStringConvertedToPrtLangForUTF8;
+  return ConvertedLength(row, value) != (isUTF8 ? text.size() : CountUTF16Units(text));
 }
 
 // Why a ticket's value cannot stand in the header; empty when it can.
@@ -26,6 +62,9 @@ std::string TextProblem(const JobTicket& ticket) {
   if (row == nullptr ||
       (IsDialogKey(ticket.key) && !MustHold(ticket.key) && BelongsTo(ticket.key, "printtype"))) {
     return {};  // a document's name is cut, and so are the fields of special pages
+  }
+  if (MustHold(ticket.key) && LosesCharacters(*row, ticket.value)) {
+    return "has a character that the printer does not know";
   }
   const auto most = static_cast<std::size_t>(row->size - 1);
   if (ConvertedLength(*row, ticket.value) <= most) return {};
@@ -95,6 +134,8 @@ std::string WhatGives(std::string_view ticket) {
 
 void CheckTickets(TicketList& tickets, Complaints& complaints) {
   CheckForms(tickets, complaints);
+  CheckRanges(tickets, complaints);
+  CheckFields(tickets, complaints);
   CheckTexts(tickets, complaints);
   CheckNeeds(tickets, complaints);
 }
@@ -105,6 +146,6 @@ void LeaveOut(TicketList& tickets, const std::string& key, const std::string& wh
   if (found == tickets.tickets().end()) return;
   std::string what = found->source;
   if (what == kGivenByJob) what = ShortKey(key) + (found->secret ? "" : "=" + found->value);
-  complaints.complain(MustHold(key), what + ": it " + why);
+  complaints.complain(MustHold(key), what.substr(0, what.find('=')), what + ": it " + why);
   tickets.remove(key);
 }

@@ -44,6 +44,8 @@ constexpr TicketRow kTicketRows[] = {
 #define FORM_SEPARATORS Making::kSeparators
 #define NEEDS(condition, ticket) {condition, ticket},
 #define FORM(ticket, form)
+#define RANGE(ticket, least, most)
+#define FIELDS(prefix, fields, fieldsFromInserter)
 constexpr NeedRow kNeedRows[] = {
 #include "queue/Needs.def"
 };
@@ -54,8 +56,24 @@ constexpr NeedRow kNeedRows[] = {
 constexpr FormRow kFormRows[] = {
 #include "queue/Needs.def"
 };
+#undef FORM
+#undef RANGE
+#define FORM(ticket, form)
+#define RANGE(ticket, least, most) {ticket, least, most},
+constexpr RangeRow kRangeRows[] = {
+#include "queue/Needs.def"
+};
+#undef RANGE
+#undef FIELDS
+#define RANGE(ticket, least, most)
+#define FIELDS(prefix, fields, fieldsFromInserter) {prefix, fields, fieldsFromInserter},
+constexpr FieldsRow kFieldsRows[] = {
+#include "queue/Needs.def"
+};
 #undef NEEDS
 #undef FORM
+#undef RANGE
+#undef FIELDS
 
 #define FAIL true
 #define WARN false
@@ -104,6 +122,14 @@ std::span<const NeedRow> NeedRows() {
 
 std::span<const FormRow> FormRows() {
   return kFormRows;
+}
+
+std::span<const RangeRow> RangeRows() {
+  return kRangeRows;
+}
+
+std::span<const FieldsRow> FieldsRows() {
+  return kFieldsRows;
 }
 
 std::span<const AttributeRow> AttributeRows() {

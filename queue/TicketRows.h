@@ -48,6 +48,18 @@ struct FormRow {
   Making form;
 };
 
+struct RangeRow {
+  const char* ticket;
+  int least;
+  int most;
+};
+
+struct FieldsRow {
+  const char* prefix;  // of the numbered ticket's key
+  int fields;
+  int fieldsFromInserter;  // where the inserter gives the paper
+};
+
 struct AttributeRow {
   const char* attribute;
   const char* option;
@@ -74,6 +86,8 @@ struct UnusedRow {
 std::span<const TicketRow> TicketRows();
 std::span<const NeedRow> NeedRows();
 std::span<const FormRow> FormRows();
+std::span<const RangeRow> RangeRows();
+std::span<const FieldsRow> FieldsRows();
 std::span<const AttributeRow> AttributeRows();
 std::span<const UnaskedRow> UnaskedRows();
 std::span<const MeaningRow> MeaningRows();

@@ -3,11 +3,15 @@
 
 #include <openssl/crypto.h>
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,6 +29,7 @@ namespace {
 
 constexpr int kFewestArguments = 6;  // the program's name included
 constexpr int kFailed = 1;
+constexpr std::size_t kMostWarnings = 40;
 
 // How often the printer prints each page, as the page log has it: what the document asks the
 // printer for, not what the user has asked CUPS for, since the filters ahead may have repeated the
@@ -61,7 +66,12 @@ bool Report(const Composition& composition) {
     SayError(complaints.failure());
     return false;
   }
-  for (const std::string& warning : complaints.warnings()) SayWarning(warning);
+  const std::vector<std::string>& warnings = complaints.warnings();
+  const std::size_t said = std::min(warnings.size(), kMostWarnings);
+  for (const std::string& warning : std::span(warnings).first(said)) SayWarning(warning);
+  if (said < warnings.size()) {
+    SayWarning("... and " + std::to_string(warnings.size() - said) + " more");
+  }
   return true;
 }
 
@@ -81,7 +91,8 @@ InputStage MarkPages(const Composition& composition, CopiesText& copies) {
 }
 
 int Print(int argc, char* argv[]) {
-  Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, TakeJobOptions(argv[5]));
+  std::vector<JobOption> chosen = TakeJobOptions(argv[5]);
+  Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, std::move(chosen));
   composition.compose(argv);
   if (!Report(composition)) return kFailed;
 
@@ -102,6 +113,8 @@ int Print(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
   if (argc == 2 && std::strcmp(argv[1], "--version") == 0) return Version();
   if (argc < kFewestArguments) return Usage();
+  constexpr rlimit kNoCore = {0, 0};
+  setrlimit(RLIMIT_CORE, &kNoCore);  // it would hold passwords
   WipeLibraryMemory();
   PrepareProcess();
   const int status = Print(argc, argv);

@@ -32,6 +32,8 @@ class PPD(Queue):
         self.assertTrue(len(header_only) > 50 and {"ZLVPrintPassword", "ZLVMailbox"} <= set(secrets) <=
                         set(header_only))
         self.cups.add("q", "atelier-c90", self.device)
+        for name in "ZLVDelayTime", "ZLVMailbox":  # a job is held in one way
+            del secrets[name]
         options = [word for name, value in secrets.items() for word in ("-o", f"{name}=Custom.{value}")]
         for document in self.sample, self.pdf, self.text:
             with self.subTest(document):

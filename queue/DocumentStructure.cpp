@@ -10,16 +10,30 @@
 
 namespace {
 
+using Found = DocumentStructure::Found;
+
 constexpr std::string_view kBeginDocument = "%%BeginDocument";
 constexpr std::string_view kEndDocument = "%%EndDocument";
 constexpr std::string_view kBeginData = "%%BeginData:";
 constexpr std::string_view kBeginBinary = "%%BeginBinary:";
-constexpr std::string_view kPage = "%%Page:";
-constexpr std::string_view kTrailer = "%%Trailer";
-constexpr std::string_view kEnd = "%%EOF";
 
-constexpr std::string_view kComments[] = {kBeginDocument, kEndDocument, kBeginData, kBeginBinary,
-                                          kPage,          kTrailer,     kEnd};
+// Lines that begin so, and what they are.
+constexpr struct {
+  std::string_view text;
+  Found meaning;
+} kComments[] = {
+    {kBeginDocument, Found::kNothing},
+    {kEndDocument, Found::kNothing},
+    {kBeginData, Found::kNothing},
+    {kBeginBinary, Found::kNothing},
+    {"%%BeginProlog", Found::kBeginSection},
+    {"%%BeginSetup", Found::kBeginSection},
+    {"%%EndProlog", Found::kEndSection},
+    {"%%EndSetup", Found::kEndSection},
+    {"%%Page:", Found::kPage},
+    {"%%Trailer", Found::kTrailer},
+    {"%%EOF", Found::kTrailer},
+};
 
 std::string_view TextBetween(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
@@ -63,8 +77,8 @@ FOR_WIDER_VECTORS const char* FindCommentOrMark(const char* from, const char* en
 // Whether a line with these first bytes (perhaps not all there yet) may be one of interest.
 bool MayMatter(std::string_view begun) {
   if (begun[0] != '%') return true;
-  return std::any_of(std::begin(kComments), std::end(kComments), [begun](std::string_view comment) {
-    return comment.starts_with(begun.substr(0, comment.size()));
+  return std::any_of(std::begin(kComments), std::end(kComments), [begun](const auto& comment) {
+    return comment.text.starts_with(begun.substr(0, comment.text.size()));
   });
 }
 
@@ -85,8 +99,7 @@ LineEnd FindLineEnd(const char* line, const char* end, bool isLast) {
   return {text, text + (text[1] == '\n' ? 2 : 1)};
 }
 
-DocumentStructure::Found DocumentStructure::next(const char*& at, const char* end, bool isLast,
-                                                 bool withMarks) {
+Found DocumentStructure::next(const char*& at, const char* end, bool isLast, bool withMarks) {
   for (;;) {
     skipCounted(at, end, isLast);
     if (at == end || linesToSkip_ > 0) return Found::kNothing;
@@ -113,7 +126,7 @@ DocumentStructure::Found DocumentStructure::next(const char*& at, const char* en
 }
 
 // A line of interest in a document: what it means, and what follows from it for the next ones.
-DocumentStructure::Found DocumentStructure::understand(const char* line, const char* end) {
+Found DocumentStructure::understand(const char* line, const char* end) {
   const std::string_view text = TextBetween(line, end);
   if (text.starts_with(kBeginDocument)) embedded_++;
   if (text.starts_with(kBeginData)) beginData(line + kBeginData.size(), end);
@@ -122,8 +135,9 @@ DocumentStructure::Found DocumentStructure::understand(const char* line, const c
     if (text.starts_with(kEndDocument)) embedded_--;
     return Found::kNothing;
   }
-  if (text.starts_with(kPage)) return Found::kPage;
-  if (text.starts_with(kTrailer) || text.starts_with(kEnd)) return Found::kTrailer;
+  for (const auto& comment : kComments) {
+    if (text.starts_with(comment.text)) return comment.meaning;
+  }
   if (text == "bp") return Found::kBeginMark;
   if (text == "ep" || text == "endp") return Found::kEndMark;
   return Found::kNothing;

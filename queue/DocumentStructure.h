@@ -9,11 +9,13 @@
 class DocumentStructure {
  public:
   enum class Found {
-    kNothing,    // all bytes are looked at, but perhaps for the beginning of a line
-    kPage,       // %%Page:
-    kTrailer,    // %%Trailer, %%EOF
-    kBeginMark,  // bp
-    kEndMark,    // ep or endp
+    kNothing,       // all bytes are looked at, but perhaps for the beginning of a line
+    kBeginSection,  // %%BeginProlog, %%BeginSetup
+    kEndSection,    // %%EndProlog, %%EndSetup
+    kPage,          // %%Page:
+    kTrailer,       // %%Trailer, %%EOF
+    kBeginMark,     // bp
+    kEndMark,       // ep or endp
   };
 
   // Looks on from `at` up to `end` and moves `at`: behind the line that was found, its line end

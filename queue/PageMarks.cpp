@@ -11,6 +11,8 @@
 
 namespace {
 
+using Found = DocumentStructure::Found;
+
 constexpr std::size_t kBlockSize = 64 * 1024;
 
 // So much is held of a document whose first page does not begin or does not end.
@@ -113,11 +115,11 @@ bool PageMarks::scanWindow() {
     return true;
   }
   if (phase_ == Phase::kMark) {
-    using Found = DocumentStructure::Found;
     Found found = Found::kTrailer;
-    while (found == Found::kTrailer) found = structure_.next(scan_, end_, ended_, false);
+    while (found == Found::kTrailer) found = nextOfPages(false);
     if (found == Found::kPage && !firstPageJudged_) {
-      beginFirstPage();
+      keepFirstPage();
+      phase_ = Phase::kFirstPage;
       return scanWindow();
     }
     ready_ = scan_;
@@ -156,32 +158,52 @@ void PageMarks::readHeader() {
   phase_ = Phase::kHead;
 }
 
-// A trailer ahead of all pages is that of a document embedded without saying so.
+// A trailer ahead of all pages is that of a document embedded without saying so, and so is a page
+// in the prolog or the setup, unless that is never ended.
 void PageMarks::findFirstPage() {
-  using Found = DocumentStructure::Found;
   Found found = Found::kTrailer;
-  while (found == Found::kTrailer) found = structure_.next(scan_, end_, ended_, false);
-  if (found == Found::kNothing && !heldEnough()) return;
-  readCopies({begin_, static_cast<std::size_t>(scan_ - begin_)});
-  if (found == Found::kPage) {
-    beginFirstPage();
-  } else {
-    phase_ = ended_ ? Phase::kPass : Phase::kMark;
+  while (found != Found::kNothing && (found != Found::kPage || openSections_ > 0)) {
+    found = structure_.next(scan_, end_, ended_, false);
+    if (found == Found::kBeginSection) openSections_++;
+    if (found == Found::kEndSection && openSections_ > 0 && --openSections_ == 0) {
+      pageInSection_ = false;
+    }
+    if (found == Found::kPage && !pageInSection_) {
+      keepFirstPage();
+      pageInSection_ = openSections_ > 0;
+    }
   }
+  if (found == Found::kNothing && !heldEnough()) return;
+  const bool hasPage = found == Found::kPage || pageInSection_;
+  if (hasPage) goToFirstPage();
+  readCopies({begin_, static_cast<std::size_t>(scan_ - begin_)});
+  phase_ = hasPage ? Phase::kFirstPage : ended_ ? Phase::kPass : Phase::kMark;
 }
 
-void PageMarks::beginFirstPage() {
-  phase_ = Phase::kFirstPage;
+void PageMarks::keepFirstPage() {
   firstPageSize_ = static_cast<std::size_t>(scan_ - begin_);
   atFirstPage_ = structure_;
 }
 
+void PageMarks::goToFirstPage() {
+  scan_ = begin_ + firstPageSize_;
+  structure_ = atFirstPage_;
+}
+
+// What is next of the pages, where sections mean nothing.
+Found PageMarks::nextOfPages(bool withMarks) {
+  Found found = Found::kBeginSection;
+  while (found == Found::kBeginSection || found == Found::kEndSection) {
+    found = structure_.next(scan_, end_, ended_, withMarks);
+  }
+  return found;
+}
+
 // Whether the first page begins with `bp` and ends with `ep`; its end may be out of sight.
 void PageMarks::judgeFirstPage() {
-  using Found = DocumentStructure::Found;
   Found found = Found::kBeginMark;
   while (found == Found::kBeginMark || (found == Found::kEndMark && !pageHasBeginMark_)) {
-    found = structure_.next(scan_, end_, ended_, true);
+    found = nextOfPages(true);
     if (found == Found::kBeginMark) pageHasBeginMark_ = true;
   }
   if (found == Found::kNothing && !heldEnough()) return;
@@ -190,8 +212,7 @@ void PageMarks::judgeFirstPage() {
   phase_ = hasMarks ? Phase::kPass : Phase::kMark;
   firstPageJudged_ = firstPageDue_ = true;
   if (prologDue_ && AsksForShowpage({begin_, firstPageSize_})) headerSize_ = firstPageSize_;
-  scan_ = begin_ + firstPageSize_;
-  structure_ = atFirstPage_;
+  goToFirstPage();
 }
 
 // The last number behind a name of the number of copies counts.

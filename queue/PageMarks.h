@@ -58,7 +58,9 @@ class PageMarks {
   void readHeader();
   void findFirstPage();
   void judgeFirstPage();
-  void beginFirstPage();
+  void keepFirstPage();
+  void goToFirstPage();
+  DocumentStructure::Found nextOfPages(bool withMarks);
   void readCopies(std::string_view setup);
   ssize_t refill();
   void makeRoom();
@@ -74,6 +76,8 @@ class PageMarks {
   DocumentStructure atFirstPage_;  // what structure_ was there
   std::size_t headerSize_ = 0;     // from begin_; nothing is passed on before both sizes are used
   std::size_t firstPageSize_ = 0;  // from begin_, the %%Page line included
+  int openSections_ = 0;
+  bool pageInSection_ = false;  // the first page so far is in a section that has not ended
   bool prologDue_ = true;
   bool firstPageDue_ = false;
   bool firstPageJudged_ = false;

@@ -16,6 +16,8 @@
 // - pgsave is saved right before the procedure runs: restoring it undoes nothing of the page. It
 //   belongs to a state in default user space, moved so that what was laid out for `paper` is
 //   centred on the page's own.
+// - A page's procedure that is local was read inside a procedure of the document, where a page's
+//   comment had no business: it is none of a page.
 // - fffbp leaves a name on the stack for each page and does nothing else; here it does nothing.
 inline constexpr std::string_view kPageMarksProlog =
     R"(userdict/PageMarksDict 12 dict put
@@ -26,7 +28,7 @@ inline constexpr std::string_view kPageMarksProlog =
 /showPage/showpage load def
 /copyPage/copypage load def
 /bp{currentglobal true setglobal}bind def
-/page{ending/run 3 -1 roll put setglobal end}bind def
+/page{dup gcheck{ending/run 3 -1 roll put}{pop}ifelse setglobal end}bind def
 /ep{pgsave restore}bind def
 /centre{
 paper null ne{

@@ -59,6 +59,9 @@ const std::string kMarkPlaces[] = {
     "%%Page: 4 4\r%%Page: 4 4\r\n%%EndData\r%%Page: 4 4\r\n<P>",
     "%!PS-Adobe-3.0\n/showpage load type/operatortype eq{}if\n%%Page: 1 1\n<D><P>x\n%%Page: 2 2\n"
     "<P>",
+    "%!PS-Adobe-3.0\n<D>%%BeginProlog\n/a{\n%%BeginProlog\n%%EndProlog\n%%Page: 1 1\n}def\n"
+    "%%EndProlog\n%%BeginSetup\n/b{\n%%Page: 1 1\n}def\n%%EndSetup\n%%Page: 1 1\n<P>"
+    "%%BeginSetup\n%%EndProlog\n%%Page: 2 2\n<P>",
     // Jobs with marks, and without structure or pages
     "%!PS-Adobe-3.0\n%%Page: 1 1\nbp\nshowpage\nep\n%%Page: 2 2\n",
     "%!PS-Adobe-3.0\r\n%%Page: 1 1\r\nep\r\nbp\r\nshowpage\r\nendp\r\n%%Page: 2 2\r\n",
@@ -136,7 +139,9 @@ void ExpectSamePages(const std::string& document, std::size_t pages, bool isInke
     return Rendered(PrintedDocument(watermark + "WMARKTextTicket=" + text, marked));
   };
   EXPECT_TRUE(printed("()") == plain);
-  for (const PageImage& page : ImagesIn(printed("(I)"))) {
+  const std::vector<PageImage> inked = ImagesIn(printed("(I)"));
+  EXPECT_EQ(inked.size(), pages);
+  for (const PageImage& page : inked) {
     EXPECT_EQ(page.centre() == std::string("\0\0\xFF", 3), isInked);
   }
 }
@@ -200,6 +205,8 @@ TEST(PageMarks, LeavePagesWrittenByHandAsTheyAre) {
       {"true setglobal 3 dict begin/ep{quit}def/bp/ep load def/page/ep load def " + box +
            "/gsave/ep load def/show/ep load def/restore/ep load def/fffbp/ep load def showpage",
        1},
+      {"%%EndPageSetup\n" + box + "showpage" + next + "%%EndPageSetup\ncount 0 gt{quit}if showpage",
+       2},
       {box + "sp" + next + "sp" + next + box + "sp", 3},
   };
   ExpectSamePages(
@@ -214,6 +221,10 @@ TEST(PageMarks, LeavePagesWrittenByHandAsTheyAre) {
                         "\n%%Trailer\n",
                     count);
   }
+  const std::string inProcedure = "/F{\n%%Page: 1 1\n" + box + "}def\n";
+  const std::string calls = "%%Page: 1 1\nF showpage" + next + "F F showpage\n";
+  ExpectSamePages("%!PS-Adobe-3.0\n" + inProcedure + calls, 2);
+  ExpectSamePages("%!PS-Adobe-3.0\n%%BeginProlog\n" + inProcedure + "%%EndProlog\n" + calls, 2);
   ExpectSamePages("%!PS-Adobe-3.0\n%%BeginProlog\n%%Page: 1 1\n" + box +
                       "systemdict/showpage get exec\n"
                       "currentfile 0(%%EndBinary)/SubFileDecode filter flushfile\n"

@@ -20,6 +20,9 @@ constexpr std::size_t kLongestHead = 4 * 1024 * 1024;
 
 constexpr std::string_view kFirstLine = "%!PS-Adobe-";
 
+// What may stand in front of it.
+constexpr std::string_view kNothings = {" \t\r\n\f\0\4", 7};
+
 std::string Prolog(PageMarks::Paper paper) {
   std::string prolog(kPageMarksProlog);
   if (paper.width > 0 && paper.height > 0) {
@@ -28,6 +31,9 @@ std::string Prolog(PageMarks::Paper paper) {
   }
   return prolog;
 }
+
+// How pstops begins a document whose pages it draws on sheets of its own.
+constexpr std::string_view kSheetsOfPages = "\nuserdict/ESPshowpage/showpage load put\n";
 
 // Header comments end where anything else begins, which a section's comment is too.
 bool IsHeaderComment(std::string_view line) {
@@ -47,8 +53,46 @@ bool AsksForShowpage(std::string_view prolog) {
   return false;
 }
 
-bool MayPassLater(int error) {
-  return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
+// How programs ask for copies, in a comment that begins a line or in PostScript.
+struct CopiesSpelling {
+  std::string_view name;  // the number stands behind it
+  bool isDefined;         // "def" or "put" stands behind the number
+};
+constexpr CopiesSpelling kCopiesSpellings[] = {
+    {"%RBINumCopies:", false},
+    {"%RBIBeginNonPPDFeature: *NumCopies", false},
+    {"%%BeginNonPPDFeature: NumCopies", false},
+    {"/NumCopies", false},
+    {"/#copies", true},
+};
+constexpr long kNoCopies = -1;
+
+// Whether what begins at `at` means something: comments do at the beginning of a line, PostScript
+// where it is not in a comment or a string.
+bool Counts(std::string_view setup, std::size_t at) {
+  constexpr std::size_t kLongestIndent = 200;  // looking back further could take long
+  const std::size_t from = at - std::min(at, kLongestIndent);
+  const std::string_view before = setup.substr(from, at - from);
+  const std::size_t lineEnd = before.find_last_of("\r\n");
+  if (lineEnd == before.npos && from > 0) return false;
+  const std::string_view indent = before.substr(lineEnd + 1);
+  return setup[at] == '%' ? indent.empty() : indent.find_first_of("%(") == indent.npos;
+}
+
+// The number of copies that the spelling at this place asks for, at least 0; or kNoCopies.
+long CopiesAt(std::string_view setup, std::size_t at, const CopiesSpelling& spelling) {
+  const std::string text(setup.substr(at + spelling.name.size(), 40));
+  const std::size_t digits = text.find_first_not_of(" \t");
+  if (digits == text.npos || !Counts(setup, at)) return kNoCopies;
+  char* behind = nullptr;
+  const long copies = std::strtol(text.c_str() + digits, &behind, 10);
+  if (behind == text.c_str() + digits) return kNoCopies;
+  behind += std::strspn(behind, " \t");
+  if (spelling.isDefined && std::strncmp(behind, "def", 3) != 0 &&
+      std::strncmp(behind, "put", 3) != 0) {
+    return kNoCopies;
+  }
+  return std::max(copies, 0L);
 }
 
 }  // namespace
@@ -115,18 +159,27 @@ bool PageMarks::scanWindow() {
     return true;
   }
   if (phase_ == Phase::kMark) {
-    Found found = Found::kTrailer;
-    while (found == Found::kTrailer) found = nextOfPages(false);
-    if (found == Found::kPage && !firstPageJudged_) {
-      keepFirstPage();
-      phase_ = Phase::kFirstPage;
-      return scanWindow();
-    }
-    ready_ = scan_;
-    if (found == Found::kPage) insertion_ = kPageMarksOfPage;
+    markPages();
+    if (phase_ == Phase::kFirstPage) return scanWindow();
   }
   if (phase_ == Phase::kPass) ready_ = scan_ = end_;
   return ready_ != begin_ || !insertion_.empty();
+}
+
+void PageMarks::markPages() {
+  Found found = Found::kTrailer;
+  while (found == Found::kTrailer) found = nextOfPages(hasSheets_);
+  if (found == Found::kPage && !firstPageJudged_) {
+    keepFirstPage();
+    phase_ = Phase::kFirstPage;
+    return;
+  }
+  ready_ = scan_;
+  if (found == Found::kPage) insertion_ = kPageMarksOfPage;
+  if (found == Found::kBeginMark || found == Found::kEndMark) {
+    ready_ -= scan_[-1] == '\n' && scan_[-2] == '\r' ? 2 : 1;
+    insertion_ = " ";
+  }
 }
 
 bool PageMarks::heldEnough() const {
@@ -134,12 +187,15 @@ bool PageMarks::heldEnough() const {
 }
 
 void PageMarks::readHeader() {
-  const std::string_view bytes(begin_, held());
+  std::string_view bytes(begin_, held());
+  const std::size_t nothings = std::min(bytes.find_first_not_of(kNothings), bytes.size());
+  bytes.remove_prefix(nothings);
   if (!bytes.starts_with(kFirstLine.substr(0, bytes.size())) ||
-      (ended_ && bytes.size() < kFirstLine.size())) {
+      (ended_ && bytes.size() < kFirstLine.size()) || nothings > DocumentStructure::kLongestLine) {
     phase_ = Phase::kPass;
     return;
   }
+  scan_ = std::max(scan_, bytes.data());
   for (;;) {
     const LineEnd lineEnd = FindLineEnd(scan_, end_, ended_);
     if (lineEnd.text == nullptr) {
@@ -176,7 +232,7 @@ void PageMarks::findFirstPage() {
   if (found == Found::kNothing && !heldEnough()) return;
   const bool hasPage = found == Found::kPage || pageInSection_;
   if (hasPage) goToFirstPage();
-  readCopies({begin_, static_cast<std::size_t>(scan_ - begin_)});
+  readSetup({begin_, static_cast<std::size_t>(scan_ - begin_)});
   phase_ = hasPage ? Phase::kFirstPage : ended_ ? Phase::kPass : Phase::kMark;
 }
 
@@ -208,32 +264,23 @@ void PageMarks::judgeFirstPage() {
   }
   if (found == Found::kNothing && !heldEnough()) return;
   const bool mayEndLater = found == Found::kNothing && !ended_;
-  const bool hasMarks = pageHasBeginMark_ && (found == Found::kEndMark || mayEndLater);
+  const bool hasMarks =
+      !hasSheets_ && pageHasBeginMark_ && (found == Found::kEndMark || mayEndLater);
   phase_ = hasMarks ? Phase::kPass : Phase::kMark;
   firstPageJudged_ = firstPageDue_ = true;
   if (prologDue_ && AsksForShowpage({begin_, firstPageSize_})) headerSize_ = firstPageSize_;
   goToFirstPage();
 }
 
-// The last number behind a name of the number of copies counts.
-void PageMarks::readCopies(std::string_view setup) {
-  struct Spelling {
-    std::string_view name;
-    bool isDefined;  // "def" or "put" stands behind the number
-  };
+// The last number of copies counts.
+void PageMarks::readSetup(std::string_view setup) {
+  hasSheets_ = setup.find(kSheetsOfPages) != setup.npos;
   std::size_t last = 0;
-  for (const auto& [name, isDefined] : {Spelling{"NumCopies", false}, Spelling{"/#copies", true}}) {
-    for (std::size_t at = setup.find(name); at != setup.npos; at = setup.find(name, at + 1)) {
-      std::string text(setup.substr(at + name.size(), 40));
-      const std::size_t digits = text.find_first_not_of(": \t");
-      if (digits == text.npos || at < last) continue;
-      char* behind = nullptr;
-      const long copies = std::strtol(text.c_str() + digits, &behind, 10);
-      if (behind == text.c_str() + digits) continue;
-      behind += std::strspn(behind, " \t");
-      if (isDefined && std::strncmp(behind, "def", 3) != 0 && std::strncmp(behind, "put", 3) != 0) {
-        continue;
-      }
+  for (const CopiesSpelling& spelling : kCopiesSpellings) {
+    for (std::size_t at = setup.find(spelling.name); at != setup.npos;
+         at = setup.find(spelling.name, at + 1)) {
+      const long copies = CopiesAt(setup, at, spelling);
+      if (copies == kNoCopies || at < last) continue;
       deviceCopies_ = static_cast<int>(std::clamp(copies, 1L, 99999L));
       last = at;
     }

@@ -20,6 +20,10 @@ ByteReader DescriptorReader(int fd) {
   };
 }
 
+bool MayPassLater(int error) {
+  return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
+}
+
 JobInput::JobInput(const char* path)
     : fd_(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
 

@@ -18,6 +18,9 @@ using InputStage = std::function<ByteReader(ByteReader source)>;
 // that is only not there yet.
 ByteReader DescriptorReader(int fd);
 
+// Whether a reader that failed with this errno may be called again.
+bool MayPassLater(int error);
+
 // The job's input: a file of its own, or standard input when `path` is null.
 class JobInput {
  public:

@@ -15,10 +15,13 @@
 #include <string>
 #include <vector>
 
+#include "FilterFrame/Source/JobState.h"
 #include "FilterFrame/Source/PrintJob.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "deployment/DeploymentInfo.h"
+#include "engine/TicketStore.h"
 #include "queue/Composition.h"
+#include "queue/DocumentBody.h"
 #include "queue/JobMessages.h"
 #include "queue/PageMarks.h"
 #include "queue/SecretOptions.h"
@@ -75,6 +78,14 @@ bool Report(const Composition& composition) {
   return true;
 }
 
+// The document without what stands around it. It lives as long as its reader or `body`.
+InputStage TakeBody(std::shared_ptr<DocumentBody>& body) {
+  return [&body](ByteReader source) -> ByteReader {
+    body = std::make_shared<DocumentBody>(std::move(source));
+    return [body](char* buffer, std::size_t size) { return body->read(buffer, size); };
+  };
+}
+
 // Marks the document's pages, and keeps `copies` as the document has it.
 InputStage MarkPages(const Composition& composition, CopiesText& copies) {
   const PageMarks::Paper paper = {static_cast<int>(std::lround(composition.page().width)),
@@ -90,6 +101,17 @@ InputStage MarkPages(const Composition& composition, CopiesText& copies) {
   };
 }
 
+// What is only known when the document has been read.
+void ReportDocument(const Composition& composition, const DocumentBody* body) {
+  if (CancelJob == 1 || body == nullptr) return;
+  if (body->isCut()) SayWarning("The document holds an exit sequence; it ends there");
+  if (JobPages == 0 && composition.tickets().find(TICKET_KEY("WMARKNameTicket")) != nullptr) {
+    SayWarning(
+        "The document has no page structure: it is printed without the watermark and its pages are "
+        "not counted");
+  }
+}
+
 int Print(int argc, char* argv[]) {
   std::vector<JobOption> chosen = TakeJobOptions(argv[5]);
   Composition composition(JobPPD(), {argv[2], argv[3], argv[4]}, std::move(chosen));
@@ -103,7 +125,11 @@ int Print(int argc, char* argv[]) {
   args[3] = composition.facts().title.data();
   args[4] = PagesAreLogged(composition.choices()) ? nullptr : copies;
   args[5] = options.data();
-  const int status = PrintJob(argc, args.data(), MarkPages(composition, copies));
+  std::shared_ptr<DocumentBody> body;
+  const InputStage takeBody = TakeBody(body), markPages = MarkPages(composition, copies);
+  const int status = PrintJob(
+      argc, args.data(), [&](ByteReader source) { return markPages(takeBody(std::move(source))); });
+  ReportDocument(composition, body.get());
   OPENSSL_cleanse(options.data(), options.size());
   return status;
 }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <regex>
 
+#include "queue/DocumentBody.h"
 #include "queue/PageMarksProlog.h"
 #include "tests/support/PageImages.h"
 #include "tests/support/Patterns.h"
@@ -126,6 +127,41 @@ TEST(PageMarks, KnowHowOftenTheDeviceIsToPrint) {
     char first;
     while (marks.read(&first, 1) < 0) continue;
     EXPECT_EQ(marks.deviceCopies(), copies) << setup;
+  }
+}
+
+TEST(PageMarks, AreForWhatStandsAheadOfTheFirstExitSequence) {
+  const std::string exit = "\x1b%-12345X", ps = "%!PS\n\x1b%-1234 \x1b\x1b[ @PJL\nshowpage\n";
+  const std::string header = exit + "@PJL JOB\r\n@PJL ENTER LANGUAGE=POSTSCRIPT\r\n";
+  const std::string blanks(9000, ' ');
+  const struct {
+    std::string input, body;
+    bool isCut;
+  } cases[] = {
+      {"", "", false},
+      {"\4 ", "\4 ", false},
+      {ps, ps, false},
+      {ps + "\x1b%-1", ps + "\x1b%-1", false},
+      {"\r\n\4" + header + ps + "\4\n" + exit + "@PJL EOJ\n\4" + exit, ps + "\4\n", false},
+      {blanks + header + ps, blanks, true},
+      {exit + blanks + exit + "\x1b%" + ps, "\x1b%" + ps, false},
+      {exit + "@PJ" + ps, "@PJ" + ps, false},
+      {"\4@PJL" + ps, "\4@PJL" + ps, false},
+      {ps + exit + "@PJL JOB\n" + ps, ps, true},
+      {ps + "(\x1b" + exit + ")" + blanks + exit, ps + "(\x1b", true},
+      {header + ps + exit + "@PJL EOJ\n" + exit + "\x1b%", ps, false},
+      {header + ps + exit + "@PJ", ps, false},
+  };
+  for (const auto& c : cases) {
+    for (const auto& [piece, room] : {std::pair{1U, 65536U}, {7U, 10U}, {65536U, 1U}}) {
+      for (const int error : {0, EIO}) {
+        DocumentBody body(Source(c.input, piece, error));
+        int said = 0;
+        EXPECT_EQ(ReadAll(body, room, &said), c.body) << c.input;
+        EXPECT_EQ(said, error);
+        EXPECT_EQ(body.isCut(), c.isCut) << c.input;
+      }
+    }
   }
 }
 

@@ -90,7 +90,7 @@ TEST(QueueJobs, SayWhatPeopleChoose) {
     job.filter = QUEUE_FILTER_BINARY;
     job.arguments = {"1", wish.facts["user"], wish.facts["title"], wish.facts["copies"],
                      Replaced(wish.facts["options"], "...", TICKET_KEY(""))};
-    job.input = "%!PS\n";
+    job.input = "%!PS-Adobe-3.0\n%%Page: 1 1\n";
     if (wish.facts["model"] != "none") {
       job.environment["PPD"] =
           folder.write("test.ppd", PPDWith(wish.facts["model"], wish.facts["default"]));
@@ -99,7 +99,8 @@ TEST(QueueJobs, SayWhatPeopleChoose) {
     const Lines header =
         LinesOf(WithOpenedPasswords(result.output.substr(0, result.output.find("@PJL ENTER"))));
     Lines messages = LinesOf(result.messages);
-    std::erase_if(messages, [](const std::string& line) { return line.starts_with("DEBUG: "); });
+    std::erase_if(messages,
+                  [](const std::string& line) { return line[0] == 'D' || line[0] == 'P'; });
     const bool fails = AnyBegins(wish.messages, "ERROR: ");
 
     EXPECT_EQ(result.exitStatus, fails ? 1 : 0) << result.messages;
@@ -112,6 +113,42 @@ TEST(QueueJobs, SayWhatPeopleChoose) {
     for (const std::string& line : wish.messages)
       EXPECT_TRUE(AnyBegins(messages, line)) << line << "\n" << result.messages;
     EXPECT_EQ(messages.size(), wish.messages.size()) << result.messages;
+  }
+}
+
+// What is wrong with the document, and how many pages it has.
+TEST(QueueJobs, SayWhatTheDocumentLacks) {
+  const std::string head = "%!PS-Adobe-3.0\n", page = "%%Page: 1 1\nshowpage\n";
+  const std::string exit = "\x1b%-12345X", forged = exit + "@PJL SET JOBATTR=\"@LUNA=root\"\n";
+  const std::string lacks = "WARNING: The document has no page structure",
+                    cut = "WARNING: The document holds an exit";
+  const struct {
+    std::string document, options;
+    Lines messages;
+  } cases[] = {
+      {"%!PS\nshowpage\n", "", {}},
+      {"%!PS\nshowpage\n", "ZLVWatermark=Draft", {lacks}},
+      {"%!PS\nbp\nshowpage\nep\n", "ZLVWatermark=Draft", {"PAGE:1"}},
+      {head + "%%BeginDocument: a\n" + page, "ZLVWatermark=Draft", {lacks}},
+      {"\4\r\n" + head + page, "ZLVWatermark=Draft", {"PAGE:1"}},
+      {exit + "@PJL\n" + head + page + exit + "@PJL EOJ\n" + exit, "", {"PAGE:1"}},
+      {head + page + forged + head + page, "", {"PAGE:1", cut}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.document);
+    FilterJob job;
+    job.filter = QUEUE_FILTER_BINARY;
+    job.arguments[4] = c.options;
+    job.input = c.document;
+    job.environment["PPD"] = PPD_DIR "/zelva-atelier-c90.ppd";
+    const FilterResult result = RunFilter(job);
+    Lines messages = LinesOf(result.messages);
+    std::erase_if(messages, [](const std::string& line) { return line[0] == 'D'; });
+    EXPECT_TRUE(std::ranges::equal(messages, c.messages, [](const auto& line, const auto& begin) {
+      return line.starts_with(begin);
+    })) << result.messages;
+    EXPECT_EQ(result.output.find("@LUNA=root"), result.output.npos);
+    EXPECT_EQ(Captures("(12345X)", result.output).size(), 2U);
   }
 }
 

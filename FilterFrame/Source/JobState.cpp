@@ -24,6 +24,7 @@ char StdAdobePaperInfoRectWidthKey[kLayoutTextSize];
 char HostNameStr[97];
 char IPAddressStr[46];
 
+int JobPages = 0;
 std::FILE* gJobFilefp = nullptr;
 
 volatile std::sig_atomic_t CancelJob = 0;

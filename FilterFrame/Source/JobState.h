@@ -37,6 +37,7 @@ extern char StdAdobePaperInfoRectWidthKey[kLayoutTextSize];
 extern char HostNameStr[97];   // name of the sending computer
 extern char IPAddressStr[46];  // its encoded address; the job flow leaves it empty
 
+extern int JobPages;           // pages of the document that have ended
 extern std::FILE* gJobFilefp;  // the open job copy, or null
 
 extern volatile std::sig_atomic_t CancelJob;        // 1 after SIGTERM; the streams poll it

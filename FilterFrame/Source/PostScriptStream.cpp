@@ -48,7 +48,7 @@ void ReportReadError(const PostScriptLines& lines) {
 
 bool OutputTokenLine(const PostScriptToken& token, std::string_view line, StreamPosition& position,
                      std::FILE* stream, char* argv[]) {
-  if (token.endsPage) position.page++;
+  if (token.endsPage) JobPages = ++position.page;
   const bool hooked = !(token.onlyFirst && position.prologEnded);
   if (token.onlyFirst) position.prologEnded = true;
 

@@ -19,8 +19,8 @@ CUPS_FILTERS = os.environ.get("CUPS_FILTERS", "/usr/lib/cups/filter")
 ARGUMENTS = ["1", "user", "title", "1", ""]
 
 
-def short_lines(path):
-    """Ten million lines on 1,000 pages."""
+def short_lines(path, begin=b"bp\n", end=b"ep\n"):
+    """Ten million lines on 1,000 pages, each with page marks."""
     rng = random.Random(1)
     lines = [b"%.2f %.2f moveto %.2f 12 lineto\n" % tuple(rng.uniform(1, 999) for _ in range(3))
              for _ in range(997)]
@@ -29,9 +29,14 @@ def short_lines(path):
         file.write(b"%!PS-Adobe-3.0\n%%Pages: 1000\n%%EndComments\n%%BeginProlog\n%%EndProlog\n"
                    b"%%BeginSetup\n%%EndSetup\n")
         for number in range(1, 1001):
-            file.write(b"%%%%Page: %d %d\n%%%%BeginPageSetup\n%%%%EndPageSetup\nbp\n" %
-                       (number, number) + page + b"ep\n")
+            file.write(b"%%%%Page: %d %d\n%%%%BeginPageSetup\n%%%%EndPageSetup\n" %
+                       (number, number) + begin + page + end)
         file.write(b"%%Trailer\n%%EOF\n")
+
+
+def unmarked_lines(path):
+    """The same without page marks, which the queue filter gives them."""
+    short_lines(path, b"", b"showpage\n")
 
 
 def mixed_lines(path):
@@ -88,6 +93,23 @@ def peak_memory(command, ppd):
         return int(file.read())
 
 
+# What each document is full of.
+MARKERS = [b" 12 lineto\n", b"x" * 63, random.Random(3).randbytes(1 << 20)[:64].split(b"\n")[0]]
+
+
+def passes_whole(command, ppd, path):
+    """Whether a command's output holds all of the document: a time counts only then."""
+    output = os.path.join(scratch, "output")
+    with open(output, "wb") as file:
+        subprocess.run(command, check=True, stdin=subprocess.DEVNULL, stdout=file,
+                       stderr=subprocess.DEVNULL, env=environment(ppd))
+    with open(path, "rb") as file, open(output, "rb") as copy:
+        document, printed = file.read(), copy.read()
+    os.remove(output)
+    return len(printed) >= len(document) * 0.99 and all(
+        printed.count(marker) >= document.count(marker) for marker in MARKERS)
+
+
 def environment(ppd):
     return {"PATH": os.environ["PATH"], "PPD": ppd, "TMPDIR": scratch}
 
@@ -112,8 +134,12 @@ def seconds_of(command, ppd, into_pipe):
     return time.perf_counter() - start
 
 
-def compare(title, commands, ppd, runs, into_pipe=False):
-    """commands: name -> command line; the first one is the filter, which ratios refer to."""
+def compare(title, commands, ppd, runs, into_pipe=False, document=None):
+    """commands: name -> command line; the first one is the filter, which ratios refer to. Those that
+    do not pass the whole document on are named and left out."""
+    dropped = [name for name, command in commands.items()
+               if document and not passes_whole(command, ppd, document)]
+    commands = {name: command for name, command in commands.items() if name not in dropped}
     times = {name: [] for name in commands}
     for turn in range(runs + 1):
         for name, command in commands.items():
@@ -128,6 +154,8 @@ def compare(title, commands, ppd, runs, into_pipe=False):
         median = statistics.median(seconds)
         print(f"| {name} | {min(seconds):.3f} | {median:.3f} | {max(seconds):.3f} | "
               f"{median / own:.2f} | {peak_memory(commands[name], ppd) / 1024:.1f} |")
+    if dropped:
+        print(f"\nNot compared, as it did not pass on the whole document: {', '.join(dropped)}.")
     sys.stdout.flush()
 
 
@@ -137,7 +165,8 @@ def main():
     model = os.path.join(os.path.dirname(own), "ppd", "zelva-atelier-c90.ppd")
     others = [name for name in ("pstops", "hpps", "foomatic-rip")
               if os.access(os.path.join(CUPS_FILTERS, name), os.X_OK)]
-    inputs = {"short lines, 1,000 pages": short_lines, "lines of 64 bytes to 4 KB": mixed_lines,
+    inputs = {"short lines, 1,000 pages": short_lines,
+              "short lines, 1,000 pages without page marks": unmarked_lines, "lines of 64 bytes to 4 KB": mixed_lines,
               "binary data": binary, "one page": one_page}
     ppd = os.path.join(scratch, "large.ppd")
     large_ppd(ppd, model)
@@ -150,20 +179,22 @@ def main():
         make(path)
 
         def filters(names):
-            commands = {"pstoxpjl": [own] + ARGUMENTS + [path]}
+            commands = {name: [os.path.join(os.path.dirname(own), name)] + ARGUMENTS + [path]
+                        for name in ("pstoxpjl", "cupstoxpjl")}
             for name in names:
                 commands[name] = [os.path.join(CUPS_FILTERS, name)] + ARGUMENTS + [path]
             return commands
 
         if title == "one page":
-            compare(f"{title}, 470 KB PPD, to /dev/null", filters(others), ppd, 10 * runs)
+            compare(f"{title}, 470 KB PPD, to /dev/null", filters(others), ppd, 10 * runs,
+                    document=path)
             continue
-        compare(f"{title}, to /dev/null", filters(others), model, runs)
+        compare(f"{title}, to /dev/null", filters(others), model, runs, document=path)
         with_cat = {**filters([]), "cat": ["cat", path]}
-        compare(f"{title}, into a pipe", with_cat, model, runs, into_pipe=True)
-        if title.startswith("short"):
+        compare(f"{title}, into a pipe", with_cat, model, runs, into_pipe=True, document=path)
+        if title == "short lines, 1,000 pages":
             compare(f"{title}, decomposed mode, to /dev/null", filters(["pstops"]), decomposed,
-                    runs)
+                    runs, document=path)
             job = os.path.join(scratch, "input.job")
             with open(job, "wb") as output:
                 subprocess.run(filters([])["pstoxpjl"], check=True, stdin=subprocess.DEVNULL,

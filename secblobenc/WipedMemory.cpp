@@ -66,6 +66,14 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return Allocate(size);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  Free(memory);
+}
+
 void operator delete(void* memory) noexcept {
   Free(memory);
 }

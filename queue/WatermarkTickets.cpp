@@ -22,7 +22,6 @@ constexpr double kCapHeight = 0.72;    // of a capital letter, in font sizes
 constexpr double kShareOfPage = 0.85;  // what a fitting watermark takes of width and height
 constexpr double kSmallest = 6;
 constexpr double kLargest = 400;
-constexpr char kDefinedText[] = "ZLVWatermarkText ()";
 constexpr std::string_view kShow = " show\n";
 
 // A line that shows more is cut.
@@ -173,7 +172,7 @@ std::string AddWatermarkTickets(const Choices& choices, PageSize page, TicketLis
   if (shown.empty()) return "the font " + std::string(kFont) + " lacks a character of its text";
   if (shown.size() > kLongestShown) {
     definitions = "/ZLVWatermarkText{" + shown + "show}bind def\n";
-    shown = kDefinedText;
+    shown = kDefinedWatermarkText;
   }
   tickets.remove(TICKET_KEY("WMARKTextTicket"));
   tickets.add({TICKET_KEY("WMARKTextTicket"), shown, source});

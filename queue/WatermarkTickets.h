@@ -9,6 +9,9 @@
 #include "queue/Choices.h"
 #include "queue/TicketList.h"
 
+// What stands for a text that is too long for the line that shows it.
+inline constexpr char kDefinedWatermarkText[] = "ZLVWatermarkText ()";
+
 // A page's width and height in points.
 struct PageSize {
   double width;

@@ -1,13 +1,17 @@
 // What the inspector makes of lines that are well formed, but say something strange together.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <ctime>
 
+#include "queue/WatermarkTickets.h"
 #include "tests/support/SampleJobs.h"
+#include "tests/support/ToolProcess.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/Reports.h"
+#include "tools/inspect/WatermarkText.h"
 
 namespace {
 
@@ -78,7 +82,11 @@ TEST(Plausibility, ReadsTheDocumentsOwnSettings) {
       {"", "%%Page: 1 1\n%%BeginDocument: x\n%%Page: 1 1\n%%EndDocument\n", " 1 page, ", false},
       {"", "%%Pages: 3\n%%Page: 1 1\n%%Page: 2 2\n", "announces 3 pages, but has 2", true},
       {"", "%%Pages: (atend)\n%%Page: 1 1\n%%Pages: 1\n", "Pages announced +1 +line 6", false},
-      {info + "DUPLEXTYPE=TUMBLE\n" + end, duplex, "asks for Duplex false on line 7", true},
+      {info + "DUPLEXTYPE=TUMBLE\n" + end, duplex + "showpage\n", "asks for Duplex false on line 7",
+       true},
+      {info + "DUPLEXTYPE=TUMBLE\n" + end, duplex, "Asks for: Duplex +None +line", false},
+      {info + "DUPLEXTYPE=TUMBLE\n" + info + "BOOKLETTYPE=TYPE[NONEDIVIDE]\n" + end,
+       duplex + "showpage\n", "Asks for: Duplex +None +line", false},
       {info + "DUPLEXTYPE=SIMPLEX\n" + end, duplex, "Asks for: Duplex +None +line", false},
       {info + "DUPLEXTYPE=DUPLEX\n" + end, "<< /Duplex true /Tumble true >> setpagedevice\n",
        "asks for Tumble true", true},
@@ -86,6 +94,12 @@ TEST(Plausibility, ReadsTheDocumentsOwnSettings) {
        "asks for NumCopies 3", true},
       {info + "JOBCOPIES=-1\n" + info + "PAGECOPIES=3\n" + end, "<</NumCopies 3>>setpagedevice\n",
        "Asks for: NumCopies +3", false},
+      {info + "PAGECOPIES=3\n" + info + "JOBCOPIES=1\n" + end,
+       "%RBIBeginNonPPDFeature: *NumCopies 2\n2{/NumCopies exch def x end setpagedevice}\n",
+       "asks for NumCopies 2 on line 7", true},
+      {"@PJL SET ECONOMODE=MODE1\n",
+       "%%BeginFeature: *ZLVTonerSaver Mode2\n%%BeginFeature: *ZLVTonerSaver Mode1\n",
+       "Asks for: ZLVTonerSaver +Mode2", false},
       {"@PJL SET ECONOMODE=MODE1\n", "%%BeginFeature: *ZLVTonerSaver Mode2\n",
        "asks for ZLVTonerSaver Mode2 on line 5", true},
   };
@@ -115,7 +129,52 @@ TEST(Plausibility, KnowsABrokenWatermark) {
                                      std::pair("(a)(b)", true), std::pair("DRAFT", true)}) {
     const std::string job =
         FilteredJob(kWatermark + ("WMARKTextTicket=" + std::string(text)), "%!PS\nep\n");
-    EXPECT_EQ(Contains(ProblemsOf(job), "not one PostScript string"), broken) << text;
+    EXPECT_EQ(Contains(ProblemsOf(job), "no PostScript that shows a text"), broken) << text;
+  }
+  double width = 0;
+  for (const char* text : {"Überfällig", "äöü", "(a)\\ü(b", "DRAFT"}) {
+    EXPECT_TRUE(IsWatermarkText(ShownText(text, width))) << ShownText(text, width);
+  }
+  for (const char* text : {"<4142>", "(a)show/b glyphshow()", kDefinedWatermarkText}) {
+    EXPECT_TRUE(IsWatermarkText(text)) << text;
+  }
+  for (const char* text : {"", " ", "/a glyphshow", "(a)show", "(a) /b glyphshow()", "<4g>", "<41",
+                           "/a{ glyphshow()", "/a show()", "(a)show(b", "ZLVWatermarkText () x"}) {
+    EXPECT_FALSE(IsWatermarkText(text)) << text;
+  }
+}
+
+// What CUPS makes of a document and the queue's filter prints is nothing to complain about; `says`
+// is in the job, lest the case is another one.
+TEST(Plausibility, LeavesJobsOfAQueueAlone) {
+  if (access(CUPS_FILTERS "/pstops", X_OK) != 0) GTEST_SKIP() << "pstops is not installed";
+  const std::string begin = "%!PS-Adobe-3.0\n%%Pages: ", page = "%%Page: 1 1\nshowpage\n";
+  const std::string single = begin + "1\n%%EndComments\n" + page;
+  const std::string document = begin + "2\n%%EndComments\n" + page + "%%Page: 2 2\nshowpage\n";
+  const std::string marked =
+      "%!PS-Adobe-3.0\n%%Pages: 2\n%%EndComments\n%%BeginProlog\n/bp{}def/ep{}def\n"
+      "%%EndProlog\n%%Page: 1 1\nbp\nshowpage\nep\n%%Page: 2 2\nbp\nshowpage\nep\n%%EOF\n";
+  const struct {
+    std::string options, document;
+    const char* says;
+  } rows[] = {
+      {"Collate=True", document, "JOBCOPIES=3"},
+      {"Collate=False", document, "PAGECOPIES=3"},
+      {"multiple-document-handling=separate-documents-uncollated-copies", document, "PAGECOPIES=3"},
+      {"sides=two-sided-long-edge", single, "Duplex false"},
+      {"sides=two-sided-short-edge number-up=2", document, "Duplex false"},
+      {"sides=two-sided-long-edge number-up=2", marked, "Duplex false"},
+      {"sides=two-sided-long-edge ZLVSignature=LeftSig", document, "DUPLEXTYPE=TUMBLE"},
+      {"ZLVWatermark=Custom.Überfällig", document, "/Udieresis glyphshow(berf)"},
+      {"ZLVWatermark=Custom." + Repeat("Überfällig", 5), document, "ZLVWatermarkText ()"},
+  };
+  for (const auto& row : rows) {
+    const std::string ppd = "PPD=" PPD_DIR "/zelva-atelier-c90.ppd";
+    const std::vector<std::string> arguments = {"1", "sam", "Title", "3", row.options};
+    const std::string pages = RunTool(CUPS_FILTERS "/pstops", arguments, row.document, ppd).output;
+    const std::string job = RunTool(QUEUE_FILTER_BINARY, arguments, pages, ppd).output;
+    EXPECT_TRUE(Contains(job, row.says)) << row.options;
+    EXPECT_EQ(ProblemsOf(job), "") << row.options;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 
@@ -120,14 +121,23 @@ TEST(InspectTool, WritesJsonByItsSchema) {
       folder.write("full", FilteredJob(kWatermark + (kSecurePrint + Stored("geheim"))));
   const std::string bad = folder.write("bad", "x" + Job("@PJL SET RET=NO\n"));
   const std::string text = folder.write("text", "hello\n");
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{full, "--device-key", kKeyFile, "--show-passwords"},
-        {bad},
-        {text}}) {
+  const std::pair<const char*, std::vector<std::string>> rows[] = {
+      {"#/$defs/job", {full, "--device-key", kKeyFile, "--show-passwords"}},
+      {"#/$defs/job", {bad}},
+      {"#/$defs/job", {text}},
+      {"#/$defs/difference", {"--diff", full, full}},
+      {"#/$defs/difference", {"--diff", full, bad}},
+  };
+  for (const auto& [form, arguments] : rows) {
     std::vector<std::string> all = {"--json"};
     all.insert(all.end(), arguments.begin(), arguments.end());
     const Json json = Json::parse(Inspect(all).output);
-    EXPECT_EQ(fault(schema, json), "") << arguments[0];
+    for (const Json& known : schema["oneOf"]) {
+      const std::string name = known["$ref"];
+      const std::string found = fault(schema.at(Json::json_pointer(name.substr(1))), json);
+      EXPECT_EQ(found.empty(), name == form) << name << ": " << found;
+    }
+    EXPECT_EQ(schema["oneOf"].size(), 2u);
     EXPECT_EQ(json["version"], 1);
   }
 }
@@ -149,6 +159,9 @@ TEST(InspectTool, KeepsItsManners) {
   const std::string good = folder.write("good", Job(""));
   const std::string bad = folder.write("bad", Job("@PJL SET RET=NO\n"));
   const std::string text = folder.write("text", "hello\n");
+  const std::string old = folder.write("old", std::string(1000, 'x'));
+  const std::string link = folder.path() + "/link";
+  std::filesystem::create_symlink(old, link);
   const struct {
     std::vector<std::string> arguments;
     int status;
@@ -169,6 +182,8 @@ TEST(InspectTool, KeepsItsManners) {
       {{good, bad, good}, 1, "bad: line 2"},
       {{good, good, "--extract", "x"}, 2, "take one job"},
       {{good, "--extract", folder.path()}, 3, "cannot write "},
+      {{good, "--extract", good}, 3, "it is the job itself"},
+      {{good, "--extract", link}, 3, "it is a link"},
       {{"--diff", good}, 2, "--diff compares two jobs"},
       {{"--png", "x", good, good}, 2, "--png and --extract"},
       {{good, "--dpi", "50"}, 2, "--png"},
@@ -182,6 +197,11 @@ TEST(InspectTool, KeepsItsManners) {
     EXPECT_TRUE(Contains(result.messages, row.message)) << result.messages;
   }
   EXPECT_EQ(Inspect({"--extract", "-", good}).output, "%!PS\nshowpage\n");
+  EXPECT_EQ(FileContent(good) + FileContent(old), Job("") + std::string(1000, 'x'));
+  EXPECT_EQ(
+      Inspect({"--extract", old, good}).status + Inspect({"--extract", "/dev/null", good}).status,
+      0);
+  EXPECT_EQ(FileContent(old), "%!PS\nshowpage\n");
   EXPECT_TRUE(Contains(Inspect({"-"}, Job("")).output, "nothing wrong"));
   EXPECT_EQ(Inspect({"--help"}).status, 0);
   EXPECT_TRUE(Inspect({"--version"}).output.starts_with("xpjl-inspect "));

@@ -1,5 +1,5 @@
-// Comments are lines that begin "%%"; of everything else only lines with setpagedevice are looked
-// at.
+// Comments are lines that begin "%%", or "%RBI" as CUPS writes them; of everything else only lines
+// with setpagedevice are looked at.
 
 #include "tools/inspect/DocumentComments.h"
 
@@ -15,6 +15,9 @@ constexpr std::size_t kLongestLine = 1024;
 constexpr std::size_t kMostSettings = 200;
 constexpr std::string_view kLineEnds = "\r\n";
 constexpr std::string_view kSetPageDevice = "setpagedevice";
+// Behind them stand an entry of the page device and its value.
+constexpr std::string_view kNonPPDFeatures[] = {
+    "%RBIBeginNonPPDFeature: *", "%%BeginNonPPDFeature: *", "%%BeginNonPPDFeature: "};
 
 // Comments with a value that is told.
 constexpr struct {
@@ -74,12 +77,18 @@ void DocumentComments::wholeLines(std::string_view bytes, std::uint64_t line) {
     return line;
   };
   std::size_t device = bytes.find(kSetPageDevice);
-  std::size_t at = bytes.find("%%");
-  while (at != bytes.npos || device != bytes.npos) {
+  std::size_t standard = bytes.find("%%");
+  std::size_t ofCUPS = bytes.find("%RBI");
+  while (standard != bytes.npos || ofCUPS != bytes.npos || device != bytes.npos) {
+    const std::size_t at = std::min(standard, ofCUPS);
     if (at < device) {
       const bool begins = at == 0 || kLineEnds.find(bytes[at - 1]) != kLineEnds.npos;
       if (begins) comment(LineAt(bytes, at), numberAt(at));
-      at = bytes.find("%%", at + 2);
+      if (at == standard) {
+        standard = bytes.find("%%", at + 2);
+      } else {
+        ofCUPS = bytes.find("%RBI", at + 4);
+      }
       continue;
     }
     const std::size_t from = device - std::min(device, kLongestLine);
@@ -101,6 +110,9 @@ void DocumentComments::comment(std::string_view line, std::uint64_t number) {
     const std::size_t blank = std::min(line.find(' '), line.size());
     return add("feature", line.substr(0, blank), line.substr(blank), number);
   }
+  for (const std::string_view begin : kNonPPDFeatures) {
+    if (line.starts_with(begin)) return pageDeviceEntry(line.substr(begin.size()), number);
+  }
   for (const auto& told : kTold) {
     if (!line.starts_with(told.comment)) continue;
     line.remove_prefix(told.comment.size());
@@ -109,17 +121,23 @@ void DocumentComments::comment(std::string_view line, std::uint64_t number) {
   }
 }
 
+// `text` begins with the entry's name, ahead of its value. What stands on the stack is no value:
+// the comment in front of it has said it.
+void DocumentComments::pageDeviceEntry(std::string_view text, std::uint64_t number) {
+  const auto* entry = std::find_if(std::begin(kEntries), std::end(kEntries), [&](auto known) {
+    return text.starts_with(known) && text.substr(known.size()).find_first_of(" [(") == 0;
+  });
+  if (entry == std::end(kEntries)) return;
+  const std::string_view value = Trimmed(text.substr(entry->size()));
+  if (value.starts_with("exch ")) return;
+  add("page-device", *entry, value.substr(0, value.find_first_of("/>")), number);
+}
+
 // `line` up to the operator: one or several dictionaries.
 void DocumentComments::pageDevice(std::string_view line, std::uint64_t number) {
   if (line.find('%') != line.npos && line.find("<<") == line.npos) return;
   for (std::size_t at = line.find('/'); at != line.npos; at = line.find('/', at + 1)) {
-    const std::string_view rest = line.substr(at + 1);
-    const auto* entry = std::find_if(std::begin(kEntries), std::end(kEntries), [&](auto known) {
-      return rest.starts_with(known) && rest.substr(known.size()).find_first_of(" [(") == 0;
-    });
-    if (entry == std::end(kEntries)) continue;
-    const std::string_view value = rest.substr(entry->size());
-    add("page-device", *entry, value.substr(0, value.find_first_of("/>")), number);
+    pageDeviceEntry(line.substr(at + 1), number);
   }
 }
 

@@ -20,6 +20,7 @@ class DocumentComments {
   void wholeLines(std::string_view bytes, std::uint64_t line);
   void comment(std::string_view line, std::uint64_t number);
   void pageDevice(std::string_view line, std::uint64_t number);
+  void pageDeviceEntry(std::string_view text, std::uint64_t number);
   void add(std::string_view kind, std::string_view name, std::string_view value,
            std::uint64_t number);
 

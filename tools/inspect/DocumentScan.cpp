@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "tools/dialect/ByteSearch.h"
-#include "tools/inspect/Plausibility.h"
+#include "tools/inspect/WatermarkText.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ std::optional<Remark> DocumentScan::beforeToken(const PostScriptToken& token, Jo
     const JobPlace begin = {place.line - CountLineEnds(from), place.offset - from.size()};
     count(found, token.endsPage ? facts_.pages : 0, begin);
     if (found.whole && found.kind == InjectionKind::kWatermarkText &&
-        !IsPostScriptString(found.detail)) {
-      fault = {begin.line, "the watermark's text is not one PostScript string",
+        !IsWatermarkText(found.detail)) {
+      fault = {begin.line, "the watermark's text is no PostScript that shows a text",
                std::string(found.detail)};
     }
     if (found.whole) continue;

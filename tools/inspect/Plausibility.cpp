@@ -115,31 +115,50 @@ class Judge {
 
   void document() {
     const PostScriptFacts& facts = report_.postScript;
-    const OwnSetting* duplex = nullptr;
-    const OwnSetting* tumble = nullptr;
-    const OwnSetting* copies = nullptr;
+    // What is asked for last counts.
+    std::map<std::string_view, const OwnSetting*> features, device;
     for (const OwnSetting& own : facts.own.entries) {
-      if (own.kind == "feature") feature(own);
+      if (own.kind == "feature") features[own.name] = &own;
+      if (own.kind == "page-device") device[own.name] = &own;
       if (own.kind == "comment" && own.name == "Pages announced") announced(own);
-      if (own.kind != "page-device") continue;
-      if (own.name == "Duplex") duplex = &own;
-      if (own.name == "Tumble") tumble = &own;
-      if (own.name == "NumCopies") copies = &own;
     }
-    if (const Setting* sides = find("DUPLEXTYPE"); sides != nullptr && duplex != nullptr) {
-      const bool both = sides->value != "SIMPLEX";
-      if (both != (duplex->value == "true")) {
-        contradict(*duplex, *sides);
-      } else if (both && tumble != nullptr &&
-                 (sides->value == "TUMBLE") != (tumble->value == "true")) {
-        contradict(*tumble, *sides);
-      }
+    for (const auto& [name, own] : features) feature(*own);
+    sides(device["Duplex"], device["Tumble"]);
+    if (device["NumCopies"] != nullptr) copies(*device["NumCopies"]);
+  }
+
+  // The document's pages as their comments have them: the filter also counts several on one sheet.
+  std::uint64_t sheetPages() const {
+    const PostScriptFacts& facts = report_.postScript;
+    return facts.own.pageComments > 0 ? facts.own.pageComments : PageCount(facts);
+  }
+
+  // A booklet's sheets have two sides whatever the document asks for, and CUPS switches them off
+  // for a single page.
+  void sides(const OwnSetting* duplex, const OwnSetting* tumble) {
+    const Setting* header = find("DUPLEXTYPE");
+    if (header == nullptr || duplex == nullptr) return;
+    if (find("BOOKLETTYPE") != nullptr && !has("BOOKLETTYPE", "TYPE[NOBOOKLET]")) return;
+    const bool both = header->value != "SIMPLEX";
+    const bool ownBoth = duplex->value == "true";
+    if (both && !ownBoth && sheetPages() == 1) return;
+    if (both != ownBoth) {
+      contradict(*duplex, *header);
+    } else if (both && tumble != nullptr &&
+               (header->value == "TUMBLE") != (tumble->value == "true")) {
+      contradict(*tumble, *header);
     }
-    // The header has the number in one of two lines, and -1 in the other.
-    const Setting* number = find(has("JOBCOPIES", "-1") ? "PAGECOPIES" : "JOBCOPIES");
-    if (number != nullptr && copies != nullptr && copies->value != number->value) {
-      contradict(*copies, *number);
-    }
+  }
+
+  // The header has the number in one of two lines, for sets or for pages, and 1 in the other; -1
+  // where the job does not say it.
+  void copies(const OwnSetting& own) {
+    const Setting* sets = find("JOBCOPIES");
+    const Setting* pages = find("PAGECOPIES");
+    const bool ofPages = sets == nullptr || (sets->value == "1" && pages != nullptr);
+    const Setting* number = ofPages ? pages : sets;
+    if (number == nullptr || has("JOBCOPIES", "-1") || has("PAGECOPIES", "-1")) return;
+    if (own.value != number->value) contradict(own, *number);
   }
 
   // A choice whose line the filter knows, beside the line that the header has.
@@ -155,7 +174,7 @@ class Judge {
   }
 
   void announced(const OwnSetting& own) {
-    const std::uint64_t pages = PageCount(report_.postScript);
+    const std::uint64_t pages = sheetPages();
     if (pages == 0 || !report_.trailer || own.value == std::to_string(pages)) return;
     report_.problem(own.line, "contradiction: the document announces " + own.value +
                                   " pages, but has " + std::to_string(pages));
@@ -169,19 +188,4 @@ class Judge {
 
 void JudgeSettings(JobReport& report) {
   Judge(report).judge();
-}
-
-bool IsPostScriptString(std::string_view text) {
-  int depth = 0;
-  for (std::size_t at = 0; at < text.size(); at++) {
-    if (text[at] == '\\') {
-      at++;
-    } else if (text[at] == '(') {
-      depth++;
-    } else if (text[at] == ')' && --depth == 0) {
-      return at + 1 == text.size();
-    }
-    if (depth == 0) return false;
-  }
-  return false;
 }

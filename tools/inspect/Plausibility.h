@@ -7,6 +7,3 @@
 
 // Adds what is wrong to the problems of a report that is complete otherwise.
 void JudgeSettings(JobReport& report);
-
-// Whether `text` is one PostScript string, closed at its end.
-bool IsPostScriptString(std::string_view text);

@@ -17,8 +17,8 @@
 
 #include "FilterFrame/Source/PostScriptStream.h"
 #include "deployment/DeploymentInfo.h"
-#include "tools/dialect/StandardDescriptors.h"
 #include "secblobenc/WipedMemory.h"
+#include "tools/dialect/StandardDescriptors.h"
 #include "tools/inspect/DeviceBlob.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/PageImages.h"
@@ -120,23 +120,40 @@ void AddRendering(PageImages& images, JobReport& report) {
   }
 }
 
-// The file that gets the document; standard output for "-".
+// The file that gets the document; standard output for "-". A file that is there already is
+// written anew, but neither through a link, which somebody else may have put there, nor when it is
+// the job.
 class ExtractedFile {
  public:
-  explicit ExtractedFile(const std::string& name)
-      : fd_(name == "-" ? dup(STDOUT_FILENO)
-                        : open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {}
+  ExtractedFile(const std::string& name, const std::string& job) {
+    const bool isOutput = name == "-";
+    fd_ = isOutput ? dup(STDOUT_FILENO)
+                   : open(name.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666);
+    struct stat facts = {}, jobFacts = {};
+    if (fd_ < 0 || fstat(fd_, &facts) != 0) {
+      error_ = errno == ELOOP ? "it is a link; name the file itself" : std::strerror(errno);
+    } else if (!isOutput && S_ISREG(facts.st_mode)) {
+      const bool known =
+          job == "-" ? fstat(STDIN_FILENO, &jobFacts) == 0 : stat(job.c_str(), &jobFacts) == 0;
+      if (known && facts.st_dev == jobFacts.st_dev && facts.st_ino == jobFacts.st_ino) {
+        error_ = "it is the job itself";
+      } else if (ftruncate(fd_, 0) != 0) {
+        error_ = std::strerror(errno);
+      }
+    }
+  }
   ~ExtractedFile() {
     if (fd_ >= 0) close(fd_);
   }
   ExtractedFile(const ExtractedFile&) = delete;
   ExtractedFile& operator=(const ExtractedFile&) = delete;
-  bool isOpen() const { return fd_ >= 0; }
+  const std::string& error() const { return error_; }  // empty: it can be written
   bool failed() const { return failed_; }
   void write(std::string_view bytes) { failed_ = failed_ || !Put(bytes, fd_); }
 
  private:
-  int fd_;
+  int fd_ = -1;
+  std::string error_;
   bool failed_ = false;
 };
 
@@ -166,10 +183,10 @@ int Inspect(const Wishes& wishes, const std::string& name, EVP_PKEY* key) {
   }
   std::unique_ptr<ExtractedFile> extracted;
   if (!wishes.extracted.empty()) {
-    extracted = std::make_unique<ExtractedFile>(wishes.extracted);
-    if (!extracted->isOpen()) {
+    extracted = std::make_unique<ExtractedFile>(wishes.extracted, name);
+    if (!extracted->error().empty()) {
       return Complain(kUnreadable,
-                      "cannot write " + Shown(wishes.extracted) + ": " + std::strerror(errno));
+                      "cannot write " + Shown(wishes.extracted) + ": " + extracted->error());
     }
   }
   const auto sink = [&](std::string_view bytes) {

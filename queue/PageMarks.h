@@ -1,9 +1,9 @@
 // Gives PostScript the page marks that the filter behind knows pages by: its lines `bp` and `ep`.
 //
 // Documents with structure comments get them whose own pages have none. When pstops has put several
-// pages on a sheet it is the sheets that get them, and the pages' own lines `bp` and `ep` get a blank
-// behind them, which only hides them from the filter. Everything else passes byte for byte: other
-// documents that have marks, and PostScript without structure.
+// pages on a sheet it is the sheets that get them, and the pages' own lines `bp` and `ep` get a
+// blank behind them, which only hides them from the filter. Everything else passes byte for byte:
+// other documents that have marks, and PostScript without structure.
 
 #pragma once
 
@@ -81,7 +81,7 @@ class PageMarks {
   std::size_t firstPageSize_ = 0;  // from begin_, the %%Page line included
   int openSections_ = 0;
   bool pageInSection_ = false;  // the first page so far is in a section that has not ended
-  bool hasSheets_ = false;  // its pages are sheets of several pages
+  bool hasSheets_ = false;      // its pages are sheets of several pages
   bool prologDue_ = true;
   bool firstPageDue_ = false;
   bool firstPageJudged_ = false;

@@ -51,7 +51,7 @@ std::vector<std::string> Explainer::causesOf(std::string_view code) const {
     const bool own = ticket.source == kGivenByJob;
     std::string cause =
         own ? ShortKey(ticket.key) + (ticket.secret ? "" : "=" + ticket.value) : ticket.source;
-    if (ticket.secret) cause = cause.substr(0, cause.find('='));
+    if (ticket.secret) cause.resize(std::min(cause.find('='), cause.size()));
     if (std::ranges::find(causes, cause) == causes.end()) causes.push_back(cause);
   }
   return causes;

@@ -20,7 +20,8 @@ constexpr const char* kKeyNames[] = {"2048-bit", "3072-bit"};
 std::string Hex(std::string_view bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  for (unsigned char byte : bytes) {
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
     text += kDigits[byte >> 4];
     text += kDigits[byte & 15];
   }

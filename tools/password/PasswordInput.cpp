@@ -100,7 +100,7 @@ struct InputBlock {
     return count;
   }
 
-  char bytes[kLongestLine];
+  char bytes[kLongestLine] = {};
 };
 
 InputResult ReadLine(Password& password, const HeldSignals* held = nullptr) {

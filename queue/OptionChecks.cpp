@@ -85,8 +85,9 @@ std::vector<std::string> Candidates(ppd_file_t* ppd, const Choices& choices) {
     if (option == nullptr || option->conflicted == 0 || !IsOwn(name)) continue;
     if (choices.choice(name).keyword != NeutralChoice(choices, name)) names.push_back(name);
   }
-  std::ranges::stable_partition(
-      names, [&choices](const std::string& name) { return !choices.choice(name).given; });
+  std::stable_partition(names.begin(), names.end(), [&choices](const std::string& name) {
+    return !choices.choice(name).given;
+  });
   return names;
 }
 

@@ -79,9 +79,11 @@ std::vector<TicketSetting> SettingsOf(const std::string& key, const Choices& cho
     }
   }
   for (const std::string& choice : choices.choiceNames(key)) {
-    const auto spelt = std::ranges::find(settings, key + "=" + choice, &TicketSetting::words);
+    std::string words = key;
+    words.append("=").append(choice);
+    const auto spelt = std::ranges::find(settings, words, &TicketSetting::words);
     if (spelt == settings.end() && choice != "Custom") {
-      settings.push_back({choice, key + "=" + choice});
+      settings.push_back({choice, words});
     }
   }
   return settings;

@@ -66,7 +66,7 @@ std::string TakeTest(std::string_view& tests) {
     if (tests[end] == '(') depth++;
     if (tests[end] == ')' && depth > 0) depth--;
   }
-  const std::string test(tests.substr(0, end));
+  std::string test(tests.substr(0, end));
   tests.remove_prefix(std::min(tests.size(), tests.find_first_not_of(", ", end)));
   return test;
 }

@@ -12,11 +12,17 @@ void Add(std::string& text, const char* before, const std::string& words) {
   text += before + Printable(words, Charset::kUTF8) + "\n";
 }
 
+// What a line says, and the line.
+std::string Beside(const std::string& words, const std::string& line) {
+  std::string text = words;
+  return text.append("  [").append(line).append("]");
+}
+
 void AddLines(std::string& text, const char* title, const std::vector<std::string>& lines) {
   if (!lines.empty()) text += std::string("    ") + title + "\n";
   for (const std::string& line : lines) {
     const std::string words = LineInWords(line);
-    Add(text, "      ", words.empty() ? line : words + "  [" + line + "]");
+    Add(text, "      ", words.empty() ? line : Beside(words, line));
   }
 }
 
@@ -100,7 +106,7 @@ std::string TextExplanation(const std::string& code, const LineExplanation& line
   if (!line.failure.empty()) Add(text, "Nothing is printed: ", line.failure);
   if (line.lines.empty()) text += code + ": not in this job\n";
   for (const std::string& there : line.lines) {
-    Add(text, "", code + ": " + LineInWords(there) + "  [" + there + "]");
+    Add(text, "", code + ": " + Beside(LineInWords(there), there));
   }
   if (!line.causes.empty()) {
     Add(text, line.lines.empty() ? "  it is there with " : "  it comes from ",

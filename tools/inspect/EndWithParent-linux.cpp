@@ -1,8 +1,9 @@
 // The kernel sends the signal.
 
-#include <signal.h>
 #include <sys/prctl.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include "tools/inspect/EndWithParent.h"
 

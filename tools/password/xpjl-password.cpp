@@ -14,9 +14,9 @@
 
 #include "DeploymentData.h"
 #include "deployment/DeploymentInfo.h"
+#include "secblobenc/WipedMemory.h"
 #include "secblobenc/secblobenc.h"
 #include "tools/dialect/StandardDescriptors.h"
-#include "secblobenc/WipedMemory.h"
 #include "tools/password/PasswordInput.h"
 
 namespace {

@@ -166,7 +166,8 @@ def main():
     others = [name for name in ("pstops", "hpps", "foomatic-rip")
               if os.access(os.path.join(CUPS_FILTERS, name), os.X_OK)]
     inputs = {"short lines, 1,000 pages": short_lines,
-              "short lines, 1,000 pages without page marks": unmarked_lines, "lines of 64 bytes to 4 KB": mixed_lines,
+              "short lines, 1,000 pages without page marks": unmarked_lines,
+              "lines of 64 bytes to 4 KB": mixed_lines,
               "binary data": binary, "one page": one_page}
     ppd = os.path.join(scratch, "large.ppd")
     large_ppd(ppd, model)

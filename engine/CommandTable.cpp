@@ -110,7 +110,7 @@ int getCtrlSym(const char* symbol, const void* value, char* buf, std::size_t buf
 
 const char* GetNextCtrlSym(const char* text) {
   for (const char* at = std::strchr(text, '%'); at != nullptr; at = std::strchr(at + 1, '%')) {
-    if (at[1] != '\0' && IsCtrlSym(SymbolAt(at).symbol) != 0) return at;
+    if (IsCtrlSym(SymbolAt(at).symbol) != 0) return at;
   }
   return nullptr;
 }

@@ -28,28 +28,12 @@ constexpr RowTable rowTableEnterPS = {"prtFmtTableEnterPS", prtFmtTableEnterPS, 
 
 namespace {
 
-enum class CommentBlock { kNone, kShort, kLong };
-
-// Whether the printer is of a family that always gets the short job summary.
-bool ModelAlwaysGetsComment(const char* pcFileName) {
-  for (const char* const* model = modelsWithComment; *model != nullptr; model++) {
+// Whether the printer is one of these models.
+bool IsOneOf(const char* const* models, const char* pcFileName) {
+  for (const char* const* model = models; *model != nullptr; model++) {
     if (std::strstr(pcFileName, *model) != nullptr) return true;
   }
   return false;
-}
-
-// Which job summary the printer reads. A printer with a language encoding other than UTF-8 knows
-// the short one only; the long one is asked for by the PPD.
-CommentBlock ChooseCommentBlock() {
-  const char* encoding = JobPPDValue(KPPDCharEncoding);
-  if (encoding != nullptr && std::strcmp(encoding, kUTF8CharEncoding) != 0)
-    return CommentBlock::kShort;
-  if (encoding == nullptr) {
-    const char* pcFileName = JobPPDValue("PCFileName");
-    if (pcFileName == nullptr) return CommentBlock::kNone;
-    if (ModelAlwaysGetsComment(pcFileName)) return CommentBlock::kShort;
-  }
-  return JobPPDValueIs("CommentOn", "True") ? CommentBlock::kLong : CommentBlock::kNone;
 }
 
 void OutputCommentBlock(CommentBlock block) {
@@ -92,11 +76,23 @@ void OutputXPJLCommand(char* args[]) {
   OutputXPJLCommandForTonerSaver();
   OutputXPJLCommandOthers();
   OutputXPJLCommandForSpecialPage(args);
-  OutputCommentBlock(ChooseCommentBlock());
+  OutputCommentBlock(ChooseCommentBlock(modelsWithComment));
   if (PrinterDecomposesPostScript()) return;  // the spooled settings come before the switch
   OutputXPJLCommandFromArray(nullptr, prtFmtTableEnterPS, numFmtTableEnterPS);
 }
 
 void OutputXPJLCommandLanguageEncodingForModelGroup() {
   if (PrinterLanguageIsUTF8()) ZRfprintf(stdout, "@PJL SET STRINGCODESET=UTF8\n");
+}
+
+CommentBlock ChooseCommentBlock(const char* const* modelsAlwaysShort) {
+  const char* encoding = JobPPDValue(KPPDCharEncoding);
+  if (encoding != nullptr && std::strcmp(encoding, kUTF8CharEncoding) != 0)
+    return CommentBlock::kShort;
+  if (encoding == nullptr) {
+    const char* pcFileName = JobPPDValue("PCFileName");
+    if (pcFileName == nullptr) return CommentBlock::kNone;
+    if (IsOneOf(modelsAlwaysShort, pcFileName)) return CommentBlock::kShort;
+  }
+  return JobPPDValueIs("CommentOn", "True") ? CommentBlock::kLong : CommentBlock::kNone;
 }

@@ -32,3 +32,10 @@ void OutputXPJLCommand(char* args[]);
 
 // Tells a UTF-8 printer that the header's texts are UTF-8; writes nothing for others.
 void OutputXPJLCommandLanguageEncodingForModelGroup();
+
+// Which job summary the job's printer reads. A printer with a language encoding other than UTF-8
+// knows the short one only; the long one is asked for by the PPD. Without an encoding, models whose
+// PCFileName contains one of the texts `modelsAlwaysShort`, null behind the last, get the short
+// one.
+enum class CommentBlock { kNone, kShort, kLong };
+CommentBlock ChooseCommentBlock(const char* const* modelsAlwaysShort);

@@ -30,6 +30,7 @@ TEST(CommandTable, ExpandsFormats) {
   } cases[] = {
       {"", {}, ""},
       {"plain 100% %x %%", {}, "plain 100% %x %%"},
+      {"a%sb", {}, ""},  // no values at all
       {"%c%c-12345X", {CTRLSym_ESC, CTRLSym_PERCENTAGE}, "\x1b%-12345X"},
       {"%%d", {number}, "%-2147483648"},
       {"%s%c", {text, high}, "abc\xE9"},

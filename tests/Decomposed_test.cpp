@@ -16,8 +16,6 @@
 
 namespace {
 
-const std::string kTrailer = "\x1b%-12345X@PJL EOJ\n";
-
 // A job with folders of its own for the PPD and the spool file.
 struct Job : FilterJob {
   explicit Job(const std::string& bytes, const std::string& ppd = "") {
@@ -37,12 +35,6 @@ struct Job : FilterJob {
   ScratchFolder ppdFolder, spoolFolder;
 };
 
-// A job's output behind the lines that every job has.
-std::string Tail(const FilterResult& result) {
-  EXPECT_EQ(result.exitStatus, 0);
-  return result.output.substr(result.output.find("=GRAYSCALE\n") + 11);
-}
-
 // The same for these settings ("@LWAD=1 ECONOMODE=ON": a job attribute and a setting) and body.
 std::string Switched(const std::string& settings, const std::string& body) {
   std::istringstream words(settings);
@@ -50,7 +42,7 @@ std::string Switched(const std::string& settings, const std::string& body) {
   for (std::string word; words >> word;) {
     lines += word[0] == '@' ? "@PJL SET JOBATTR=\"" + word + "\"\n" : "@PJL SET " + word + "\n";
   }
-  return lines + "@PJL ENTER LANGUAGE=POSTSCRIPT\n" + body + kTrailer;
+  return lines + kEnterPS + body;
 }
 
 // Runs a table of rows "PostScript->settings;". "|" ends a line, "#" begins a feature's line, "~"
@@ -65,8 +57,9 @@ void Check(const std::string& ppd, const std::string& table) {
                : c == '#' ? "%%BeginFeature: *ZLV"
                           : std::string{c == '~' ? '\0' : c};
     }
-    const FilterResult result = RunFilter(Job(input + "\n%%EOF\n", ppd));
-    EXPECT_EQ(Tail(result), Switched(row.substr(arrow + 2), input + "\n\n")) << row;
+    EXPECT_EQ(Body(RunFilter(Job(input + "\n%%EOF\n", ppd)).output),
+              Switched(row.substr(arrow + 2), input + "\n\n"))
+        << row;
   }
 }
 
@@ -116,17 +109,17 @@ TEST(Decomposed, WatermarksAreInTheSpooledPostScript) {
   spooled.arguments[4] = key + "NameTicket=x" + key + "TypeTicket=0" + key + "OnlyFirstTicket=0";
   FilterJob plain = spooled;
   plain.environment.erase("PPD");
-  std::string tail = Tail(RunFilter(plain));
-  tail.replace(tail.find("grestore\nendp\n%%EOF\n\4") + 14, 7, "\n");
-  EXPECT_EQ(Tail(RunFilter(spooled)), tail);
+  std::string body = Body(RunFilter(plain).output);
+  body.replace(body.find("grestore\nendp\n%%EOF\n\4") + 14, 7, "\n");
+  EXPECT_EQ(Body(RunFilter(spooled).output), body);
 }
 
 TEST(Decomposed, WithoutItsInputFileThereIsOnlyTheFrame) {
   Job job("A\n\n");
   job.arguments.insert(job.arguments.end(), {"/nonexistent.ps", "more"});
-  EXPECT_EQ(Tail(RunFilter(job)), Switched("", "A\n\n"));  // from standard input
+  EXPECT_EQ(Body(RunFilter(job).output), Switched("", "A\n\n"));  // from standard input
   job.arguments.pop_back();
-  EXPECT_EQ(Tail(RunFilter(job)), kTrailer);
+  EXPECT_EQ(Body(RunFilter(job).output), "");
   EXPECT_EQ(RunFilter(job).messages, "");
 }
 
@@ -138,7 +131,7 @@ TEST(Decomposed, AJobCancelledWhileItIsSpooledLeavesItsWholeLines) {
   kill(filter.pid(), SIGTERM);
   filter.write("wo\nshowpage\nthree\n");
   const FilterResult result = filter.finish();
-  EXPECT_EQ(Tail(result), kTrailer);
+  EXPECT_EQ(Body(result.output), "");
   EXPECT_EQ(result.messages, "PAGE:1 1\n");
   EXPECT_EQ(std::filesystem::file_size(spool), 11u);  // the lines in front of the page end
   EXPECT_EQ(std::filesystem::status(spool).permissions(), std::filesystem::perms(0600));
@@ -155,7 +148,7 @@ TEST(Decomposed, AFullDiskPrintsNothingAndSaysSo) {
     const FilterResult result = RunFilter(job);
     EXPECT_TRUE(std::filesystem::is_empty(disk));
     EXPECT_EQ(umount(disk), 0);
-    EXPECT_EQ(Tail(result), kTrailer);
+    EXPECT_EQ(Body(result.output), "");
     EXPECT_EQ(result.messages.substr(result.messages.find("PAGE:25")),
               "PAGE:25 1\nERROR: Unable to spool print data: No space left on device\n");
   }
@@ -182,7 +175,7 @@ std::string Passed(const std::string& bytes, std::string& settings) {
 
 // Of the last line only the last byte is spooled, and of that only a line end printed.
 TEST(Decomposed, RandomJobsFollowTheRulesByTheLetter) {
-  EXPECT_EQ(Tail(RunFilter(Job("A\nB\n"))), Switched("", "A\n\n"));
+  EXPECT_EQ(Body(RunFilter(Job("A\nB\n")).output), Switched("", "A\n\n"));
   const std::string words[] = {"ep", "\4", "x", "\n" + kFeature + "\r", "\n" + kScreen + "\n"};
   const std::string ends[] = {"\n", "\r", "\r\n", "", "\n\n"};
   std::mt19937 random(20240131);
@@ -195,7 +188,7 @@ TEST(Decomposed, RandomJobsFollowTheRulesByTheLetter) {
     const std::string last = job.substr(job.size() - !job.empty());
     const std::string spooled = Passed(job.substr(0, job.size() - last.size()), settings);
     const std::string body = Passed(spooled + last + "\4", unused);
-    ASSERT_EQ(Tail(RunFilter(Job(job))), Switched(settings, body)) << round;
+    ASSERT_EQ(Body(RunFilter(Job(job)).output), Switched(settings, body)) << round;
   }
 }
 

@@ -4,13 +4,9 @@
 
 #include <cmath>
 #include <string>
-#include <utility>
 
-#include "FilterFrame/Source/JobState.h"
-#include "modules/features/Features.h"
 #include "modules/watermark/Watermark.h"
 #include "tests/support/Tickets.h"
-#include "text/BoundedText.h"
 
 namespace {
 
@@ -108,27 +104,25 @@ TEST(Features, InjectSnippetsWhereThePagesPerSheetWantThem) {
   };
   const std::string both =
       "SeparatorPageListTicket=2 SeparatorPageTicket=a%d BookletMarginSwitchTicket=1 "
-      "BookletMarginMMShiftTicket=12 AutoFitSwitchTicket=";
+      "BookletMarginMMShiftTicket=12 ";
+  const std::string rows = "com.apple.print.PrintSettings.PMLayoutRows..n.=";
+  const std::string columns = "com.apple.print.PrintSettings.PMLayoutColumns..n.=";
   const struct {
-    std::string options, rows, columns, at14, at16, at21;
+    std::string options, prolog, setup, device;  // what stands ahead of these lines
   } cases[] = {
-      {both + "1", "1", "1", separator, shift + scale("true"), ""},
-      {both + "0", "", "4", separator, shift + scale("false"), ""},
-      {both + "-1", "2", "1", "", "", separator + shift},
-      {"SeparatorPageListTicket=1 BookletMarginSwitchTicket=0 AutoFitSwitchTicket=1", "1", "1", "",
-       "", ""},
-      {"", "1", "1", "", "", ""},
+      {both + "AutoFitSwitchTicket=1", separator, shift + scale("true"), ""},
+      {both + "AutoFitSwitchTicket=0 " + columns + "1", separator, shift + scale("false"), ""},
+      {both + rows + "1 " + columns + "1", separator, shift, ""},
+      {both + rows + "2 " + columns + "1", "", "", separator + shift},
+      {"SeparatorPageListTicket=1 BookletMarginSwitchTicket=0 AutoFitSwitchTicket=1", "", "", ""},
+      {"", "", "", ""},
   };
+  const std::string prolog = "%%EndProlog\n", setup = "%%EndSetup\n",
+                    device = "userdict/setpagedevice{pop}bind put\n";
   for (const auto& c : cases) {
-    for (const auto& at : {std::pair(14, c.at14), {16, c.at16}, {21, c.at21}}) {
-      const std::string written = Written("", c.options, [&](char* args[]) {
-        FeaturesGetTicketFromPDE(args);
-        CopyBounded(StdLayoutRowInfo, c.rows);
-        CopyBounded(StdLayoutColumnInfo, c.columns);
-        FeaturesOutputPSCommandFromFilter(at.first, stdout);
-      });
-      EXPECT_EQ(written, at.second) << at.first << c.options;
-    }
+    EXPECT_EQ(PrintedDocument(c.options, prolog + prolog + setup + device + "bp\n"),
+              c.prolog + prolog + prolog + c.setup + setup + c.device + device + "bp\n")
+        << c.options;
   }
 }
 

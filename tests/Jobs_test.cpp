@@ -7,6 +7,7 @@
 #include <map>
 #include <regex>
 
+#include "engine/JobHeader.h"
 #include "modules/comment/Comment.h"
 #include "queue/HeaderProof.h"
 #include "tests/support/Password.h"
@@ -39,6 +40,13 @@ std::string Replaced(std::string text, const char* marks, Make make) {
   return text;
 }
 
+// With [HH] as the byte of this number.
+std::string WithBytes(const std::string& text) {
+  return Replaced(text, "[]", [](const std::string& digits) {
+    return std::string(1, static_cast<char>(std::stoi(digits, nullptr, 16)));
+  });
+}
+
 // The sections of jobs.txt, which says how they are written.
 std::vector<Section> Sections() {
   std::map<std::string, std::string> names, ppds;
@@ -66,9 +74,9 @@ std::vector<Section> Sections() {
     else if (kind == "options")
       sections.back().options = text + " ";
     else if (kind == "user")
-      sections.back().user = text;
+      sections.back().user = WithBytes(text);
     else if (kind == "title")
-      sections.back().title = text;
+      sections.back().title = WithBytes(text);
     else if (kind == "|" && arrow != text.npos)
       sections.back().jobs.push_back({text.substr(0, arrow), text.substr(arrow + 2)});
     else
@@ -124,6 +132,18 @@ std::string HeaderOf(const Section& section, const std::string& options) {
   args.push_back(nullptr);
   const std::string stored = Replaced(section.options + options, "<>", Stored);
   return Words(WithOpenedPasswords(HeaderFor(args.data(), Tickets(stored))));
+}
+
+TEST(Jobs, OfListedModelsHaveTheShortSummary) {
+  const char* const models[] = {"OTHER", "VTES", nullptr};
+  const std::string model = "*PCFileName: \"ZLVTEST.PPD\"\n", on = "*CommentOn: \"True\"\n";
+  for (const auto& [ppd, block] : {std::pair(model, CommentBlock::kShort),
+                                   {on + model, CommentBlock::kShort},
+                                   {on + kUTF8PPD + model, CommentBlock::kLong},
+                                   {on + "*PCFileName: \"ZLVMORE.PPD\"\n", CommentBlock::kLong}}) {
+    const UsedPPD used(ppd);
+    EXPECT_EQ(ChooseCommentBlock(models), block) << ppd;
+  }
 }
 
 TEST(Jobs, HaveTheseHeaders) {

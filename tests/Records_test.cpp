@@ -82,17 +82,6 @@ TEST(Quality, FindsTheLineBehindAFeature) {
   }
 }
 
-TEST(Quality, GivesDefaultsForWhatThePPDDoesNotOffer) {
-  const std::string offered =
-      "*OpenUI *ZLVBrightnes: PickOne\n*DefaultZLVBrightnes: Normal\n"
-      "*ZLVBrightnes Normal: \"\"\n*CloseUI: *ZLVBrightnes\n";
-  const auto put = [](char**) { OutputPJLCommandForPPDKeyArray(PPDKeyArray, JobPPD()); };
-  EXPECT_EQ(Written(offered, "", put),
-            "@PJL SET JOBATTR=\"@TRAP=OFF\"\n@PJL SET JOBATTR=\"@GRGU=OFF\"\n"
-            "@PJL SET JOBATTR=\"@RGBP=SRGB\"\n@PJL SET JOBATTR=\"@RGBG=22\"\n"
-            "@PJL SET ECONOMODE=OFF\n");
-}
-
 TEST(SpecialPages, KeywordsStandAtTheEvenPlacesBelowTheCount) {
   for (const auto& [count, result] : {std::pair(6, 0), {5, 0}, {4, -1}, {0, -1}, {-1, -1}}) {
     char word[kSpecialPageFieldSize] = {};
@@ -105,53 +94,6 @@ TEST(Comment, KeepsItsCollationWhenTheOptionsSayNothingOfIt) {
   CopyBounded(psoptioncomment.collate, "collate");
   CommentGetTicketFromPDE(Arguments("ZLVStaple=None"));
   EXPECT_STREQ(std::exchange(psoptioncomment, {}).collate, "collate");
-}
-
-std::string Orientation(const std::string& options) {
-  const std::string summary = Written("", options, [](char* args[]) {
-    CommentGetTicketFromPDE(args);
-    OutputXPJLCommandforCommentAdvanced();
-  });
-  const auto found = Captures("ORIENTATION=([A-Z]*)", summary);
-  return found.empty() ? "" : found.front();
-}
-
-TEST(Comment, TurnsTheOrientationWithTheSheet) {
-  const struct {
-    std::vector<const char*> signatures, numbersUp;
-    std::string words[4];  // for the requested orientations 1, 4, 5 and 6
-  } cases[] = {
-      {{"LeftSig", "LeftSigCenterStaple", "LeftSigFold"},
-       {"1", "4", "9", "16"},
-       {"LANDSCAPE", "ROTATEDPORTRAIT", "ROTATEDPORTRAIT", "LANDSCAPE"}},
-      {{"LeftSig", "LeftSigFold"},
-       {"2", "6"},
-       {"ROTATEDPORTRAIT", "LANDSCAPE", "LANDSCAPE", "ROTATEDPORTRAIT"}},
-      {{"RightSig", "RightSigCenterStaple", "RightSigFold"},
-       {"1", "4", "9", "16"},
-       {"ROTATEDLANDSCAPE", "PORTRAIT", "PORTRAIT", "ROTATEDLANDSCAPE"}},
-      {{"RightSig", "RightSigFold"},
-       {"2", "6"},
-       {"PORTRAIT", "ROTATEDLANDSCAPE", "ROTATEDLANDSCAPE", "PORTRAIT"}},
-      {{"None"}, {"1"}, {"PORTRAIT", "LANDSCAPE", "ROTATEDLANDSCAPE", "ROTATEDPORTRAIT"}},
-      {{"None"}, {"2", "6"}, {"LANDSCAPE", "PORTRAIT", "PORTRAIT", "LANDSCAPE"}},
-      {{"None"}, {"4", "9", "16"}, {"PORTRAIT", "LANDSCAPE", "LANDSCAPE", "PORTRAIT"}},
-      {{"None", "LeftSig", "RightSig", "Other"}, {"3", "8", "-1"}, {}},
-      {{"Other"}, {"1", "2", "4"}, {}},
-  };
-  const char* requested[] = {"1", "4", "5", "6"};
-  for (const auto& c : cases) {
-    for (const std::string signature : c.signatures) {
-      for (const std::string numberUp : c.numbersUp) {
-        for (std::size_t i = 0; i < std::size(requested); i++) {
-          const std::string options = "ZLVSignature=" + signature + " number-up=" + numberUp +
-                                      " orientation-requested=" + requested[i];
-          EXPECT_EQ(Orientation(options), c.words[i]) << options;
-        }
-      }
-    }
-  }
-  EXPECT_EQ(Orientation("orientation-requested=3"), "");
 }
 
 }  // namespace

@@ -23,7 +23,6 @@
 
 namespace {
 
-const std::string kEnterPS = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
 const std::string kFeature = "%%BeginFeature: *ZLVHalftone Fineness\n";
 
 // A job with folders of its own. The PPD decides on the feature's lines.
@@ -38,15 +37,6 @@ struct Job : FilterJob {
   ScratchFolder folder, spool;
   std::string ppd;
 };
-
-// What stands between the lines that every job has and the trailer.
-std::string Body(const std::string& output) {
-  const std::string headerEnd = "=GRAYSCALE\n", trailer = "\x1b%-12345X@PJL EOJ\n";
-  const std::size_t end = output.find(headerEnd);
-  if (end == output.npos || !output.ends_with(trailer)) return "(no frame)";
-  const std::size_t from = end + headerEnd.size();
-  return output.substr(from, output.size() - trailer.size() - from);
-}
 
 // The body of a whole job. In decomposed mode only the line end of its last line is printed.
 std::string BodyOf(const std::string& input, bool decomposed) {
@@ -165,11 +155,13 @@ TEST_P(Surroundings, ACancelledJobEndsAtAPageOrWithItsInput) {
       {"", "", "\x04", ""},
       {"%!PS\n%%EndProlog\n", "one\nep\ntwo\n", "%!PS\n%%EndProlog\none\n", "(nothing)"},
       {"one\nsho", "wpage\ntwo\n", "one\n", "(nothing)"},
+      {"one\n", "endp\ntwo\n", "one\n", "(nothing)"},
       {"one\nep\n", "two\nep\n\n", "one\nep\ntwo\n", "(nothing)"},
       {"one\nep\ntwo\n", "", "one\nep\ntwo\n\x04", "one\nep\n"},
   };
   for (const auto& c : cases) {
-    const Job job(decomposed);
+    Job job(decomposed);
+    job.inputDoesNotBlock = true;  // what blocks is interrupted below
     FilterProcess filter(job);
     filter.readBytes(1);
     filter.write(c.before);

@@ -13,9 +13,6 @@
 
 namespace {
 
-constexpr char kRows[] = "com.apple.print.PrintSettings.PMLayoutRows..n.";
-constexpr char kColumns[] = "com.apple.print.PrintSettings.PMLayoutColumns..n.";
-
 struct Sample {
   std::int32_t number;
   std::int32_t absent;
@@ -100,13 +97,11 @@ TEST(TicketStore, ConvertsTexts) {
 }
 
 // Calls one getter with these options.
-template <std::size_t Size = 2048>
-std::pair<int, std::string> Get(TicketGetter* getter, const std::string& optionsText,
-                                const char* key = "key") {
+std::pair<int, std::string> Get(TicketGetter* getter, const std::string& optionsText) {
   const JobOptions options(optionsText.c_str());
-  char text[Size];
-  std::fill_n(text, Size, 'x');
-  const int result = getter(key, options.count(), options.list(), text, static_cast<int>(Size));
+  char text[2048];
+  std::fill_n(text, sizeof text, 'x');
+  const int result = getter("key", options.count(), options.list(), text, sizeof text);
   return {result, text};
 }
 
@@ -124,30 +119,6 @@ TEST(TicketStore, ReportsLengthsAndPresence) {
   EXPECT_EQ(Get(GetTicketStringConvertedToPrtLang, "key=" + longText),
             Got(1, longText.substr(0, 1023)));
   EXPECT_EQ(Get(GetTicketString, "key=" + longText), Got(1, longText));
-}
-
-TEST(TicketStore, GivesPagesPerSheet) {
-  const std::string rows = std::string(kRows) + "=", columns = std::string(kColumns) + "=";
-  const struct {
-    std::string options, number, comment;
-  } cases[] = {
-      {"", "1", "1"},
-      {"number-up=6", "N6", "6"},
-      {"number-up=/52", "N/52", "4"},  // with the N in front it is no byte list
-      {rows + "2 " + columns + "2", "N4", "4"},
-      {rows + "1 " + columns + "1", "1", "1"},
-      {rows + "3", "N3", "3"},
-      {columns + "2", "N2", "2"},
-      {rows + "0 " + columns + "2", "N", ""},
-      {rows + "65536 " + columns + "65536", "N2147483647", "2147483647"},
-      {"number-up=2 " + rows + "3", "N2", "2"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Get(GetNumberUpTicketString, c.options, "number-up"), Got(1, c.number)) << c.options;
-    EXPECT_EQ(Get(GetNumberUpTicketStringForComment, c.options, "number-up"), Got(1, c.comment));
-  }
-  EXPECT_EQ(Get<10>(GetNumberUpTicketString, "number-up=123456789012", "number-up").second,
-            "N12345678");
 }
 
 TEST(TicketStore, SealsStoredPasswordsForTheDevice) {

@@ -187,3 +187,11 @@ std::string PPDText(const std::string& lines) {
          "*Manufacturer: \"Zelva\"\n*ModelName: \"Zelva Test\"\n*NickName: \"Zelva Test\"\n" +
          lines;
 }
+
+std::string Body(const std::string& output) {
+  const std::string headerEnd = "=GRAYSCALE\n", trailer = "\x1b%-12345X@PJL EOJ\n";
+  const std::size_t end = output.find(headerEnd);
+  if (end == output.npos || !output.ends_with(trailer)) return "(no frame)";
+  const std::size_t from = end + headerEnd.size();
+  return output.substr(from, output.size() - trailer.size() - from);
+}

@@ -73,3 +73,10 @@ class ScratchFolder {
 
 // A minimal PPD with these lines (attribute lines such as `*CommentOn: "True"`).
 std::string PPDText(const std::string& lines);
+
+// What ends the header of every job.
+inline const std::string kEnterPS = "@PJL ENTER LANGUAGE=POSTSCRIPT\n";
+
+// What stands between the trailer and the header's lines that every job of a grayscale printer has:
+// kEnterPS and the document, in decomposed mode settings ahead of it.
+std::string Body(const std::string& output);

@@ -39,10 +39,9 @@ inline std::string PrintedDocument(const std::string& settings, const std::strin
   FilterJob job;
   job.arguments[4] = Tickets(settings);
   job.input = document;
-  const std::string output = RunFilter(job).output;
-  const std::string enter = "ENTER LANGUAGE=POSTSCRIPT\n";
-  const std::size_t from = output.find(enter) + enter.size();
-  return output.substr(from, output.rfind('\4') - from);
+  const std::string body = Body(RunFilter(job).output);
+  EXPECT_TRUE(body.starts_with(kEnterPS) && body.ends_with('\4')) << body;
+  return body.substr(kEnterPS.size(), body.size() - kEnterPS.size() - 1);
 }
 
 inline std::string Repeat(const std::string& text, std::size_t count) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <regex>
 
+#include "FilterFrame/Source/JobState.h"
 #include "engine/JobHeader.h"
 #include "modules/comment/Comment.h"
 #include "queue/HeaderProof.h"
@@ -126,6 +127,7 @@ std::string Evened(const std::string& text) {
 // The header's words of one job.
 std::string HeaderOf(const Section& section, const std::string& options) {
   psoptioncomment = {};
+  for (char* name : {StdDocumentName, PTStdDocumentName}) *name = '\0';
   std::vector<std::string> words = {"pstoxpjl", "1", section.user, section.title, "1", ""};
   std::vector<char*> args;
   for (std::string& word : words) args.push_back(word.data());

@@ -7,10 +7,8 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <random>
 #include <sstream>
 #include <string>
-#include <utility>
 
 #include "tests/support/FilterProcess.h"
 
@@ -154,42 +152,5 @@ TEST(Decomposed, AFullDiskPrintsNothingAndSaysSo) {
   }
 }
 #endif
-
-const std::string kFeature = "%%BeginFeature: *ZLVTonerSaver Mode2", kScreen = "TCPR=1GCPR=2ICPR=3";
-
-// What the line rules let through of a stream, byte by byte, and the settings in it.
-std::string Passed(const std::string& bytes, std::string& settings) {
-  std::string passed, held;
-  bool rest = false;  // of an over-long line
-  for (char c : bytes) {
-    held += c;
-    const bool ends = c == '\r' || c == '\n';
-    if (!ends && held.size() < 8065) continue;
-    if (!rest && held == kFeature + c) settings += "ECONOMODE=MODE2 ";
-    if (!rest && held == kScreen + c) settings += "@TCPR=1 @GCPR=2 @ICPR=3 ";
-    passed += std::exchange(held, "");
-    rest = !ends;
-  }
-  return passed;
-}
-
-// Of the last line only the last byte is spooled, and of that only a line end printed.
-TEST(Decomposed, RandomJobsFollowTheRulesByTheLetter) {
-  EXPECT_EQ(Body(RunFilter(Job("A\nB\n")).output), Switched("", "A\n\n"));
-  const std::string words[] = {"ep", "\4", "x", "\n" + kFeature + "\r", "\n" + kScreen + "\n"};
-  const std::string ends[] = {"\n", "\r", "\r\n", "", "\n\n"};
-  std::mt19937 random(20240131);
-  for (int round = 0; round < 60; round++) {
-    std::string job, settings, unused;
-    for (std::size_t count = random() % (round < 20 ? 4 : 300); count > 0; count--) {
-      job += words[random() % 5] + ends[random() % 5];
-      if (random() % 30 == 0) job += std::string(random() % 20000, random() % 2 ? 'e' : '\0');
-    }
-    const std::string last = job.substr(job.size() - !job.empty());
-    const std::string spooled = Passed(job.substr(0, job.size() - last.size()), settings);
-    const std::string body = Passed(spooled + last + "\4", unused);
-    ASSERT_EQ(Body(RunFilter(Job(job)).output), Switched(settings, body)) << round;
-  }
-}
 
 }  // namespace

@@ -1,10 +1,13 @@
-// Text on its way into the printer's language encoding.
+// Text on its way into the printer's language encoding, and names that are nearly right.
 
 #include "text/Encoding.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+
+#include "text/NearestName.h"
 
 namespace {
 
@@ -77,6 +80,7 @@ TEST(Encoding, CountsAndKeepsWholeCharacters) {
   EXPECT_EQ(CountUTF16Units("ab\xE2\x82"), 2u);
   EXPECT_EQ(FirstUTF16Units("a\u00E9\u20ACx", 3), "a\u00E9\u20AC");
   EXPECT_EQ(FirstUTF16Units("ab\U0001F600", 3), "ab");
+  EXPECT_EQ(FirstUTF16Units("\U0001F600b", 2), "\U0001F600");
   EXPECT_EQ(FirstUTF16Units("ab\xE2\x82", 9), "ab");
 }
 
@@ -90,6 +94,19 @@ TEST(Encoding, AnswersAboutCharactersAndPPDs) {
     EXPECT_EQ(TextEncodingForLanguageEncoding(other), kTextEncodingUTF8);
   }
   EXPECT_EQ(TextEncodingForLanguageEncoding(nullptr), kTextEncodingUTF8);
+}
+
+TEST(NearestName, DiffersInAThirdOfItsLettersAtMost) {
+  const std::string names[] = {"at", "abc", "uvwxyz", "cat", "car", std::string(201, 'n')};
+  const std::pair<std::string, std::string> cases[] = {
+      {"AT", "at"},   {"ab", ""},
+      {"acb", "abc"}, {"abx", "abc"},
+      {"ac", ""},     {"uvwabc", ""},
+      {"uvwx", ""},   {"uvwxy", "uvwxyz"},
+      {"cap", "cat"}, {"uvxwyzz", "uvwxyz"},
+      {"", ""},       {std::string(200, 'n'), ""},
+  };
+  for (const auto& [written, meant] : cases) EXPECT_EQ(NearestName(written, names), meant);
 }
 
 }  // namespace

@@ -86,27 +86,13 @@ TEST(PPDAccess, FindsTheFirstAttributeThatBeginsWithTheName) {
   EXPECT_EQ(CheckIfPPDKeywordSupported(JobPPD(), "ZLVXPrintTypeSettings", "Default05"), 0);
   EXPECT_EQ(CheckIfPPDKeywordSupported(JobPPD(), "ZLVNothing", ""), 0);
   EXPECT_EQ(GetCFStringSimEncodingFromPPD(JobPPD()), kTextEncodingUTF8);
+  EXPECT_EQ(GetCFStringSimEncodingFromPPD(nullptr), kTextEncodingUTF8);
 }
 
 TEST(PPDAccess, ComparesValuesWhole) {
   const UsedPPD ppd("*ZLVPSDecompMode: \"11\"\n*ZLVPrinterLanguageEncoding: \"utf-8\"\n");
   EXPECT_FALSE(PrinterDecomposesPostScript());
   EXPECT_FALSE(PrinterLanguageIsUTF8());
-}
-
-TEST(PPDAccess, APPDThatCannotBeReadHasNoAttributes) {
-  const ScratchFolder folder;
-  for (const std::string& path :
-       {std::string("/nonexistent.ppd"), folder.path(), folder.write("rubbish", "\x01\x02\xFF")}) {
-    CloseJobPPD();
-    setenv("PPD", path.c_str(), 1);
-    EXPECT_EQ(JobPPD(), nullptr) << path;
-    EXPECT_FALSE(PrinterLanguageIsUTF8());
-  }
-  unsetenv("PPD");
-  CloseJobPPD();
-  EXPECT_EQ(ppdFindAttr_ALT(nullptr, "ZLV", nullptr), nullptr);
-  EXPECT_EQ(GetCFStringSimEncodingFromPPD(nullptr), kTextEncodingUTF8);
 }
 
 TEST(JobOptions, OffersTheOutputMode) {

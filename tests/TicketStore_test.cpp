@@ -8,6 +8,7 @@
 #include <string>
 
 #include "FilterFrame/Source/UtilityFunctionFilter/JobOptions.h"
+#include "engine/StoredPassword.h"
 #include "tests/support/Password.h"
 #include "tests/support/Tickets.h"
 
@@ -128,6 +129,7 @@ TEST(TicketStore, SealsStoredPasswordsForTheDevice) {
         Get(GetTicketPasswordStringConvertedToEncryption, "key=" + Stored(password));
     EXPECT_EQ(result, 1);
     EXPECT_EQ(Opened(text), password);
+    EXPECT_EQ(StoredPassword(password), password.empty() ? "" : Stored(password));
   }
 }
 
@@ -153,6 +155,7 @@ TEST(TicketStore, PasswordsThatDoNotOpenCountAsEmpty) {
   EXPECT_EQ(get("other=1"), Got(0, ""));
   EXPECT_EQ(get("key=not*base64"), Got(0, ""));
   EXPECT_EQ(get("key="), Got(0, ""));
+  EXPECT_EQ(StoredPassword(std::string(256, 'p')), "");
   EXPECT_EQ(get("key=" + std::string(1400, 'A')), Got(0, ""));  // cut to 1023 characters
   for (const std::string& value :
        {Base64("seventeen bytes!!"), Base64(std::string(32, 'z')), Stored(std::string(256, 'p'))}) {

@@ -285,10 +285,7 @@ TEST(SecBlobEnc, PrimitivesRefuseKeysAndBuffersThatDoNotFit) {
 }
 
 TEST(SecBlobEnc, Base64) {
-  const struct {
-    const char* bytes;
-    const char* text;
-  } pairs[] = {
+  const std::pair<const char*, const char*> pairs[] = {
       {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xfb\xff", "+/8="}};
   for (const auto& [bytes, text] : pairs) {
     char encoded[16] = "";

@@ -76,7 +76,7 @@ ssize_t DocumentBody::readHead() {
   const std::size_t length = frame_.follow(bytes);
   const bool decided = count <= 0 || length < bytes.size();
   if (frame_.hasExit()) {
-    held_ = decided ? frame_.begun() : "";
+    held_ = frame_.begun();
     bytes.remove_prefix(length);
   }
   held_ += bytes;

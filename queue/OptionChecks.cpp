@@ -59,13 +59,9 @@ std::string ChoiceProblem(const Choices& choices, const std::string& name,
   }
   if (choices.offers(name, written) && strcasecmp(written.c_str(), "Custom") != 0) return {};
   if (secret) return name + ": a password is written as Custom.PASSWORD";
-  return name + "=" + written + ": there is no such choice" +
-         Advice(NearestName(written, choices.choiceNames(name)));
-}
-
-// How many choices exclude each other now.
-int Conflicts(ppd_file_t* ppd) {
-  return ppdConflicts(ppd);
+  std::string nearest = NearestName(written, choices.choiceNames(name));
+  if (nearest == "Custom") nearest = "Custom.VALUE";
+  return name + "=" + written + ": there is no such choice" + Advice(nearest);
 }
 
 // A choice that does nothing: none, or the queue's default.
@@ -94,11 +90,11 @@ std::vector<std::string> Candidates(ppd_file_t* ppd, const Choices& choices) {
 // Sets an option to its neutral choice if fewer choices exclude each other then.
 bool GivesWay(ppd_file_t* ppd, const Choices& choices, const std::string& name) {
   const std::string before = choices.choice(name).keyword;
-  const int conflicts = Conflicts(ppd);
+  const int conflicts = ppdConflicts(ppd);
   ppdMarkOption(ppd, name.c_str(), NeutralChoice(choices, name).c_str());
-  if (Conflicts(ppd) < conflicts) return true;
+  if (ppdConflicts(ppd) < conflicts) return true;
   ppdMarkOption(ppd, name.c_str(), before.c_str());
-  Conflicts(ppd);
+  ppdConflicts(ppd);
   return false;
 }
 
@@ -106,7 +102,6 @@ bool GivesWay(ppd_file_t* ppd, const Choices& choices, const std::string& name) 
 
 bool DecidesAboutHold(std::string_view option) {
   const std::string name(option);
-  if (strcasecmp(name.c_str(), "ZLVDocumentName") == 0) return false;
   return std::ranges::any_of(TicketRows(), [&name](const TicketRow& row) {
     return strcasecmp(name.c_str(), row.option) == 0 && MustHold(row.ticket);
   });
@@ -119,7 +114,7 @@ void CheckOptions(Choices& choices, Complaints& complaints) {
       CheckTicketName(option.name, complaints);
     } else if (IsOwn(option.name) && !choices.offers(option.name)) {
       CheckOptionName(choices, option.name, complaints);
-    } else if (choices.offers(option.name) && (IsOwn(option.name))) {
+    } else if (IsOwn(option.name)) {
       const std::string problem = ChoiceProblem(choices, option.name, option.value);
       if (problem.empty()) continue;
       complaints.complain(DecidesAboutHold(option.name), option.name, problem);
@@ -135,7 +130,7 @@ void CheckOptions(Choices& choices, Complaints& complaints) {
 
 void ResolveConflicts(ppd_file_t* ppd, const Choices& choices, Complaints& complaints) {
   if (ppd == nullptr) return;
-  while (Conflicts(ppd) > 0) {
+  while (ppdConflicts(ppd) > 0) {
     const std::vector<std::string> names = Candidates(ppd, choices);
     const auto way = std::ranges::find_if(names, [&](const std::string& name) {
       const Choice before = choices.choice(name);

@@ -11,6 +11,7 @@
 
 #include "queue/DocumentBody.h"
 #include "queue/PageMarksProlog.h"
+#include "tests/support/GoldenFile.h"
 #include "tests/support/PageImages.h"
 #include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
@@ -34,6 +35,7 @@ std::string ReadAll(Reader& reader, std::size_t room, int* error = nullptr) {
   std::string all;
   std::string buffer(room, '\0');
   for (;;) {
+    errno = 0;
     const ssize_t count = reader.read(buffer.data(), room);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0 && error != nullptr) *error = errno;
@@ -47,36 +49,6 @@ std::string WithMarks(const std::string& document, PageMarks::Paper paper = {}) 
   return ReadAll(marks, 65536);
 }
 
-// Documents in which <D> stands where the definitions go, <P> where a page's marks go,
-// and <B> where a blank hides a page's own mark.
-const std::string kMarkPlaces[] = {
-    "%!PS-Adobe-3.0\n%Made by hand\n%%EndComments\n<D>%%BeginProlog\n%%EndProlog\n%%Page: 1 1\n"
-    "<P>bp\nshowpage\n%%Page: 2 2\n<P>showpage\n%%Trailer\nbp\nep\n%%EOF",
-    "\4 \r\n%!PS-Adobe-3.0\r\n<D>%%BeginProlog\r\n%%Page: a 1\r\n<P>x\r\n%%Page: b 2\r\n<P>",
-    "%!PS-Adobe-3.0\r<D>\r%%Page: a 1\r<P>x\r%%Page: b 2\r<P>\r%%Page:",
-    "%!PS-Adobe-3.0 EPSF\n<D>%%Page: 1 1\n<P>ep\nendp\n%%EndDocument\n%%Page: 2 2\n<P>bp\nep\n",
-    "%!PS-Adobe-3.0\n<D>/logo{\n%%BeginDocument: a\n%%Page: 1 1\nbp\nep\n%%BeginDocument: b\n"
-    "%%EndDocument\n%%Page: 1 1\n%%EndDocument\n}\n%%Trailer\n%%Page: 1 1\n<P>\n",
-    "%!PS-Adobe-3.0\n<D>%%Page: 1 1\n<P>%%BeginData: 16 Hex Bytes\n%%Page: 2 2\nbp\nep\n"
-    "%%Page: 2 2\n<P>%%BeginBinary: 11\r\n%%Page: 3 3\n%%Page: 3 3\n<P>%%BeginData: 2 ASCII Lines\r"
-    "%%Page: 4 4\r%%Page: 4 4\r\n%%EndData\r%%Page: 4 4\r\n<P>",
-    "%!PS-Adobe-3.0\n/showpage load type/operatortype eq{}if\n%%Page: 1 1\n<D><P>x\n%%Page: 2 2\n"
-    "<P>",
-    "%!PS-Adobe-3.0\n<D>%%BeginProlog\n/a{\n%%BeginProlog\n%%EndProlog\n%%Page: 1 1\n}def\n"
-    "%%EndProlog\n%%BeginSetup\n/b{\n%%Page: 1 1\n}def\n%%EndSetup\n%%Page: 1 1\n<P>"
-    "%%BeginSetup\n%%EndProlog\n%%Page: 2 2\n<P>",
-    "%!PS-Adobe-3.0\n<D>%%BeginProlog\nuserdict/ESPshowpage/showpage load put\n%%EndProlog\n"
-    "%%Page: 1 1\n<P>bp<B>\nep<B>\r\nbp<B>\rep \r%%BeginData: 1 ASCII Lines\nep\n%%Page: 2 2\n"
-    "<P>endp<B>\n\nbp<B>\n",
-    // Jobs with marks, and without structure or pages
-    "%!PS-Adobe-3.0\n%%Page: 1 1\nbp\nshowpage\nep\n%%Page: 2 2\n",
-    "%!PS-Adobe-3.0\r\n%%Page: 1 1\r\nep\r\nbp\r\nshowpage\r\nendp\r\n%%Page: 2 2\r\n",
-    "%!PS-Adobe-3.0\n%%EndComments\nshowpage\n",
-    "%!PS\n%%Page: 1 1\nshowpage\n",
-    "%!PS-Adobe",
-    "",
-};
-
 std::string Filled(const std::string& places, std::string_view definitions, std::string_view page) {
   const std::string text = std::regex_replace(places, std::regex("<D>"), std::string(definitions));
   const std::string paged = std::regex_replace(text, std::regex("<P>"), std::string(page));
@@ -85,8 +57,8 @@ std::string Filled(const std::string& places, std::string_view definitions, std:
 
 // Whatever pieces come and are taken, also when reading fails in the end.
 TEST(PageMarks, StandAtTheirPlaces) {
-  for (const std::string& places : kMarkPlaces) {
-    for (const auto& [piece, room] : {std::pair{1U, 65536U}, {7U, 10U}, {65536U, 1U}}) {
+  for (const std::string& places : GoldenLines("page-marks.txt")) {
+    for (const auto& [piece, room] : {std::pair{1U, 65536U}, {8U, 10U}, {65536U, 1U}}) {
       for (const int error : {0, EIO}) {
         PageMarks marks(Source(Filled(places, "", ""), piece, error));
         int said = 0;
@@ -118,6 +90,7 @@ TEST(PageMarks, KnowHowOftenTheDeviceIsToPrint) {
       {"/#copies 7 def\n/NumCopies 3 def\n", 3},
       {"/NumCopies 3 def\nuserdict/#copies 7 put\n", 7},
       {"/NumCopies -1 def\n", 1},
+      {"%" + std::string(300, ' ') + "/NumCopies 9 def\n", 1},
       {"% NumCopies 9\n(NumCopies 77)pop\n%/NumCopies 9 def\n(/#copies 8 def)pop\n", 1},
       {"%RBIBeginNonPPDFeature: *NumCopies 5\r% %RBINumCopies: 7\r(\\(%RBINumCopies: 8)pop\n", 5},
       {"/NumCopies 99999999999999999999 def\n", 99999},
@@ -147,13 +120,15 @@ TEST(PageMarks, AreForWhatStandsAheadOfTheFirstExitSequence) {
       {exit + blanks + exit + "\x1b%" + ps, "\x1b%" + ps, false},
       {exit + "@PJ" + ps, "@PJ" + ps, false},
       {"\4@PJL" + ps, "\4@PJL" + ps, false},
+      {exit + "@PJ" + ps + exit + "L\n", "@PJ" + ps, true},
+      {"%!PS\n123" + exit, "%!PS\n123", false},
       {ps + exit + "@PJL JOB\n" + ps, ps, true},
       {ps + "(\x1b" + exit + ")" + blanks + exit, ps + "(\x1b", true},
       {header + ps + exit + "@PJL EOJ\n" + exit + "\x1b%", ps, false},
       {header + ps + exit + "@PJ", ps, false},
   };
   for (const auto& c : cases) {
-    for (const auto& [piece, room] : {std::pair{1U, 65536U}, {7U, 10U}, {65536U, 1U}}) {
+    for (const auto& [piece, room] : {std::pair{1U, 65536U}, {8U, 10U}, {65536U, 1U}}) {
       for (const int error : {0, EIO}) {
         DocumentBody body(Source(c.input, piece, error));
         int said = 0;

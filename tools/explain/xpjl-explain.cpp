@@ -1,30 +1,22 @@
 // xpjl-explain: what each option of a job does, and why one does nothing.
 
 #include <openssl/crypto.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "deployment/DeploymentInfo.h"
-#include "secblobenc/WipedMemory.h"
 #include "text/NearestName.h"
 #include "tools/dialect/Dialect.h"
-#include "tools/dialect/DisplayText.h"
-#include "tools/dialect/StandardDescriptors.h"
+#include "tools/dialect/ToolProgram.h"
 #include "tools/explain/ExplanationReports.h"
 #include "tools/explain/QueueSource.h"
 
 namespace {
 
-constexpr int kFine = 0;
 constexpr int kNoEffect = 1;
-constexpr int kWrongUsage = 2;
-constexpr int kUnreadable = 3;
 
 struct Wishes {
   std::vector<std::string> options;
@@ -39,26 +31,8 @@ struct Wishes {
   bool json = false;
 };
 
-int Complain(int status, const std::string& what) {
-  std::fprintf(stderr, "xpjl-explain: %s\n", what.c_str());
-  return status;
-}
-
-std::string Shown(const std::string& text) {
-  return Printable(text, Charset::kUTF8);
-}
-
-// What goes out may hold passwords in their stored form, so that no other buffer gets it.
-int Put(std::string_view text, int status) {
-  while (!text.empty()) {
-    const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
-      return Complain(kUnreadable, std::string("cannot write: ") + std::strerror(errno));
-    }
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return status;
+int Answer(std::string_view text, int status) {
+  return Put(text) ? status : kUnreadable;
 }
 
 void Declare(CLI::App& app, Wishes& wishes) {
@@ -103,13 +77,15 @@ int ExplainLine(const Wishes& wishes, const Explainer& explainer) {
                                      (nearest.empty() ? "" : "; did you mean " + nearest + "?"));
   }
   const LineExplanation line = explainer.explainLine(wishes.line);
-  return Put(wishes.json ? JsonExplanation(wishes.line, line) : TextExplanation(wishes.line, line),
-             line.lines.empty() ? kNoEffect : kFine);
+  return Answer(
+      wishes.json ? JsonExplanation(wishes.line, line) : TextExplanation(wishes.line, line),
+      line.lines.empty() ? kNoEffect : kFine);
 }
 
 int Compose(const Explainer& explainer) {
   if (!explainer.job().failure.empty()) return Complain(kNoEffect, explainer.job().failure);
-  return Put(explainer.composed() + "\n", explainer.job().complaints.empty() ? kFine : kNoEffect);
+  return Answer(explainer.composed() + "\n",
+                explainer.job().complaints.empty() ? kFine : kNoEffect);
 }
 
 int Explain(const Wishes& wishes, const Explainer& explainer) {
@@ -123,8 +99,8 @@ int Explain(const Wishes& wishes, const Explainer& explainer) {
       return Complain(kUnreadable, "cannot read " + Shown(wishes.job) + ": " + error);
     }
   }
-  return Put(wishes.json ? JsonExplanation(report) : TextExplanation(report),
-             report.fine() ? kFine : kNoEffect);
+  return Answer(wishes.json ? JsonExplanation(report) : TextExplanation(report),
+                report.fine() ? kFine : kNoEffect);
 }
 
 int Run(int argc, char* argv[]) {
@@ -160,12 +136,6 @@ int Run(int argc, char* argv[]) {
 
 }  // namespace
 
-int main(int argc, char* argv[]) try {
-  WipeLibraryMemory();
-  OccupyStandardDescriptors();
-  const int status = Run(argc, argv);
-  WipeStack();
-  return status;
-} catch (const std::exception& error) {
-  return Complain(kUnreadable, Shown(error.what()));
+int main(int argc, char* argv[]) {
+  return ToolMain("xpjl-explain", kUnreadable, Run, argc, argv);
 }

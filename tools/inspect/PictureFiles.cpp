@@ -79,7 +79,6 @@ bool PictureFiles::close() {
     return fail("cannot write " + name() + ": " + std::strerror(errno));
   }
   count_++;
-  lastChunk_ = false;
   return true;
 }
 

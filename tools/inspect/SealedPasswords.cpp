@@ -2,15 +2,13 @@
 
 #include "tools/inspect/SealedPasswords.h"
 
-#include <openssl/crypto.h>
-
 #include <iterator>
 
+#include "engine/StoredPassword.h"
 #include "tools/inspect/DeviceBlob.h"
 
 namespace {
 
-constexpr std::size_t kLongestPassword = 255;
 constexpr std::size_t kShownDigits = 16;  // of a key's identifier
 
 // The device's keys by the type that blobs name.
@@ -57,7 +55,7 @@ void OpenWith(JobReport& report, Setting& setting, const std::string& blob, EVP_
   }
   const auto password = PasswordInBlob(blob, key);
   if (!password) return Fault(report, setting, "it does not open with its own key");
-  if (password->size() > kLongestPassword) return Fault(report, setting, "it is too long");
+  if (password->size() > kLongestStoredPassword) return Fault(report, setting, "it is too long");
   setting.sealed += password->empty() ? ", opens, empty" : ", opens";
   setting.opened = true;
   setting.password = *password;
@@ -77,11 +75,5 @@ void JudgePasswords(JobReport& report, EVP_PKEY* key) {
     setting.sealed = std::string("sealed for the ") + kKeyNames[keyType] + " device key " +
                      setting.sealedFor.substr(0, kShownDigits);
     if (key != nullptr) OpenWith(report, setting, blob, key);
-  }
-}
-
-void WipePasswords(JobReport& report) {
-  for (Setting& setting : report.settings) {
-    OPENSSL_cleanse(setting.password.data(), setting.password.size());
   }
 }

@@ -9,6 +9,3 @@
 // Describes each sealed password in `report`, and notes those that no device can open as problems.
 // With `key`, the device's private one, each is opened and kept in its setting.
 void JudgePasswords(JobReport& report, EVP_PKEY* key);
-
-// Overwrites the opened passwords.
-void WipePasswords(JobReport& report);

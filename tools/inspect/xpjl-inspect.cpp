@@ -7,7 +7,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -17,8 +16,7 @@
 
 #include "FilterFrame/Source/PostScriptStream.h"
 #include "deployment/DeploymentInfo.h"
-#include "secblobenc/WipedMemory.h"
-#include "tools/dialect/StandardDescriptors.h"
+#include "tools/dialect/ToolProgram.h"
 #include "tools/inspect/DeviceBlob.h"
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/PageImages.h"
@@ -27,12 +25,6 @@
 #include "tools/inspect/TerminalText.h"
 
 namespace {
-
-// Exit statuses; of several jobs the highest counts.
-constexpr int kFine = 0;
-constexpr int kBadData = 1;
-constexpr int kWrongUsage = 2;
-constexpr int kUnreadable = 3;
 
 struct Wishes {
   std::vector<std::string> jobs;
@@ -45,15 +37,6 @@ struct Wishes {
   int dotsPerInch = 100;
   RenderLimits limits;
 };
-
-int Complain(int status, const std::string& what) {
-  std::fprintf(stderr, "xpjl-inspect: %s\n", what.c_str());
-  return status;
-}
-
-std::string Shown(const std::string& name) {
-  return Printable(name, Charset::kUTF8);
-}
 
 // A job to be read; standard input for "-".
 class JobFile {
@@ -94,20 +77,6 @@ std::optional<JobReport> Read(const std::string& name, EVP_PKEY* key,
   }
   JudgePasswords(report, key);
   return report;
-}
-
-// False when the text did not get out. It may hold passwords, so that no other buffer gets it.
-bool Put(std::string_view text, int fd = STDOUT_FILENO) {
-  while (!text.empty()) {
-    const ssize_t count = write(fd, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
-      Complain(kUnreadable, std::string("cannot write: ") + std::strerror(errno));
-      return false;
-    }
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
 }
 
 // What came of rendering the document.
@@ -197,11 +166,10 @@ int Inspect(const Wishes& wishes, const std::string& name, EVP_PKEY* key) {
   if (!report) return kUnreadable;
   if (images) AddRendering(*images, *report);
   const int status = Report(wishes, name, *report);
-  WipePasswords(*report);
   return extracted && extracted->failed() ? kUnreadable : status;
 }
 
-// Each job by itself, with an empty line between tables.
+// Each job by itself, with an empty line between tables; of their statuses the highest counts.
 int InspectAll(const Wishes& wishes, EVP_PKEY* key) {
   int status = kFine;
   for (const std::string& name : wishes.jobs) {
@@ -223,8 +191,6 @@ int Compare(const Wishes& wishes, EVP_PKEY* key) {
   const ReportWishes shown = {.showPasswords = wishes.showPasswords};
   const std::string difference = TextDifference(*first, *second, shown);
   const bool written = Put(wishes.json ? JsonDifference(*first, *second, shown) : difference);
-  WipePasswords(*first);
-  WipePasswords(*second);
   return difference.empty() && written ? kFine : kBadData;
 }
 
@@ -303,12 +269,6 @@ int Run(int argc, char* argv[]) {
 
 }  // namespace
 
-int main(int argc, char* argv[]) try {
-  WipeLibraryMemory();
-  OccupyStandardDescriptors();
-  const int status = Run(argc, argv);
-  WipeStack();
-  return status;
-} catch (const std::exception& error) {
-  return Complain(kUnreadable, Shown(error.what()));
+int main(int argc, char* argv[]) {
+  return ToolMain("xpjl-inspect", kUnreadable, Run, argc, argv);
 }

@@ -9,8 +9,7 @@
 #include <cstddef>
 #include <string_view>
 
-// The longest password that the filter opens, and the longest line that is read, in bytes.
-inline constexpr std::size_t kLongestPassword = 255;
+// The longest line that is read, in bytes.
 inline constexpr std::size_t kLongestLine = 512;
 
 // A password, or the value made of one; wiped at its end.

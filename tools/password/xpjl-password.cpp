@@ -5,54 +5,26 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <exception>
 #include <string>
 
 #include "DeploymentData.h"
 #include "deployment/DeploymentInfo.h"
-#include "secblobenc/WipedMemory.h"
+#include "engine/StoredPassword.h"
 #include "secblobenc/secblobenc.h"
-#include "tools/dialect/StandardDescriptors.h"
+#include "tools/dialect/ToolProgram.h"
 #include "tools/password/PasswordInput.h"
 
 namespace {
-
-constexpr int kDone = 0;
-constexpr int kBadData = 1;
-constexpr int kWrongUsage = 2;
-
-int Complain(int status, const char* what) {
-  std::fprintf(stderr, "xpjl-password: %s\n", what);
-  return status;
-}
 
 // Why a password cannot be used; null when it can.
 const char* Fault(InputResult result, const Password& password) {
   if (result == InputResult::kInterrupted) return "interrupted";
   if (result == InputResult::kNothing) return "there is no password on standard input";
   if (password.length() == 0) return "the password is empty";
-  if (password.length() > kLongestPassword) return "the password is longer than 255 bytes";
+  if (password.length() > kLongestStoredPassword) return "the password is longer than 255 bytes";
   return nullptr;
-}
-
-// The stored form as Base64; empty when the cryptography fails.
-std::string TicketValue(const Password& password) {
-  constexpr std::size_t kBlock = 16;
-  unsigned char cipher[kLongestPassword / kBlock * kBlock + kBlock];
-  std::uint32_t length = sizeof cipher;
-  const std::string_view text = password.text();
-  if (Encode_Storage(reinterpret_cast<const unsigned char*>(text.data()),
-                     static_cast<std::uint32_t>(text.size()), seed1, sizeof seed1, seed2,
-                     sizeof seed2, seed3, sizeof seed3, cipher, &length) != 0) {
-    return {};
-  }
-  std::string value((length + 2) / 3 * 4, '\0');
-  if (SecBlobEnc_Base64_Encode(cipher, length, value.data()) < 1) return {};
-  return value;
 }
 
 // Whether the filter's storage form behind `value` opens, to something that is a password. What the
@@ -65,7 +37,7 @@ bool Opens(std::string_view value) {
   const int output = dup(STDOUT_FILENO);
   const int nowhere = open("/dev/null", O_WRONLY);
   dup2(nowhere, STDOUT_FILENO);
-  unsigned char plain[kLongestPassword];
+  unsigned char plain[kLongestStoredPassword];
   std::uint32_t length = sizeof plain;
   const bool opens =
       Decode_Storage(cipher, static_cast<std::uint32_t>(cipherLength), seed1, sizeof seed1, seed2,
@@ -88,14 +60,12 @@ int CheckValue() {
     return Complain(kBadData,
                     "the value does not open: it is damaged, or was made for another deployment");
   }
-  return std::puts("The value opens in this deployment.") < 0 || std::fflush(stdout) != 0
-             ? Complain(kBadData, std::strerror(errno))
-             : kDone;
+  return Put("The value opens in this deployment.\n") ? kFine : kBadData;
 }
 
 int SealPassword(bool confirm) {
   if (DeploymentIsDemonstration() && isatty(STDERR_FILENO) == 1) {
-    Complain(kDone, kDemonstrationWarning);
+    Complain(kFine, kDemonstrationWarning);
   }
   Password password;
   if (const char* fault = Fault(ReadPassword("Password: ", password), password)) {
@@ -108,12 +78,9 @@ int SealPassword(bool confirm) {
     }
     if (again.text() != password.text()) return Complain(kBadData, "the two passwords differ");
   }
-  const std::string value = TicketValue(password);
+  const std::string value = StoredPassword(password.text());
   if (value.empty()) return Complain(kBadData, "the cryptography library failed");
-  if (std::printf("%s\n", value.c_str()) < 0 || std::fflush(stdout) != 0) {
-    return Complain(kBadData, std::strerror(errno));
-  }
-  return kDone;
+  return Put(value + "\n") ? kFine : kBadData;
 }
 
 constexpr char kFooter[] =
@@ -150,12 +117,6 @@ int Run(int argc, char* argv[]) {
 
 }  // namespace
 
-int main(int argc, char* argv[]) try {
-  WipeLibraryMemory();
-  OccupyStandardDescriptors();
-  const int status = Run(argc, argv);
-  WipeStack();
-  return status;
-} catch (const std::exception& error) {
-  return Complain(kBadData, error.what());
+int main(int argc, char* argv[]) {
+  return ToolMain("xpjl-password", kBadData, Run, argc, argv);
 }

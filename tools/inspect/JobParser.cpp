@@ -242,7 +242,8 @@ void JobParser::postScript(std::string_view& bytes, const PostScriptToken* token
 void JobParser::passOn(std::string_view bytes) {
   if (bytes.empty()) return;
   if (sink_) sink_(bytes);
-  document_.take(bytes, line_);
+  const bool endsCRLF = afterCR_ && bytes.front() == '\n';  // a line that has been counted
+  document_.take(bytes, line_ - (endsCRLF ? 1 : 0));
   lastByte_ = bytes.back();
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/GoldenFile.h"
 #include "tests/support/Tickets.h"
 #include "tests/support/ToolProcess.h"
 #include "tools/explain/ExplanationReports.h"
@@ -35,84 +36,33 @@ Explainer Explained(const std::string& model, const std::string& options) {
   return {TrialFor(model), {}, given};
 }
 
-std::string AllOf(const OptionExplanation& option) {
-  std::string text;
-  for (const auto* list : {&option.why, &option.lines, &option.choices, &option.tickets}) {
-    for (const std::string& entry : *list) text += entry + "\n";
-  }
-  return text;
-}
-
-#define TICKET_OPTION "com.zelva.jt.printsettings.ps.ww."
-
-// The last option of each job is the one that is explained.
-constexpr struct {
-  const char* options;
-  Effect effect;
-  const char* said;  // among reasons, lines and choices
-  const char* model = "atelier-c90";
-} kOptions[] = {
-    // Misspelt.
-    {"ZLVStapel=LeftDouble", Effect::kNone, "did you mean ZLVStaple?"},
-    {"ZLVStaple=leftdouble", Effect::kLines, "STAPLEEX=LEFTDUAL"},
-    {"ZLVStaple=LeftDuoble", Effect::kNone, "did you mean LeftDouble?"},
-    {"ZLVPunch=Nowhere", Effect::kNone, "there is no such choice"},
-    {"Dupelx=DuplexTumble", Effect::kNone, "did you mean Duplex?"},
-    {"InputSlot=2dnTray", Effect::kNone, "did you mean 2ndTray?"},
-    {"page-range=1-2", Effect::kNone, "did you mean page-ranges?"},
-    {"com.zelva.jt.printsettings.ps.ww.PrintTypTicketKey=2", Effect::kNone,
-     "did you mean com.zelva.jt.printsettings.ps.ww.PrintTypeTicketKey?"},
-    {"toner=low", Effect::kNone, "Nothing knows an option of this name"},
-    // Half of something.
-    {"ZLVTonerReductionRate=Percent30", Effect::kNone, "counts only with ZLVTonerSaver=UserInput"},
-    {"ZLVTonerSaver=UserInput ZLVTonerReductionRate=Percent30", Effect::kLines, "REDUCTIONRATE=30"},
-    {"ZLVNumPunchHoles=4Holes", Effect::kNone, "counts only with ZLVPunch="},
-    {"ZLVOffsetStackingNumber=5", Effect::kNone, "counts only with ZLVOffsetStacking=Pages"},
-    {"ZLVWatermarkSize=72", Effect::kNone, "counts only with ZLVWatermark="},
-    {"ZLVWatermarkColor=Red", Effect::kNone, "counts only with ZLVWatermark="},
-    {"ZLVCoverPrint=Front", Effect::kNone, "counts only with ZLVCover="},
-    {"ZLVCover=Front ZLVCoverMediaColor=Red", Effect::kNone,
-     "counts only with ZLVCoverSource=Paper"},
-    {"ZLVInsertCount=3", Effect::kNone, "counts only with ZLVInsertAfter"},
-    {"ZLVTrimmer=On ZLVTrimmerWidth=170", Effect::kNone, "counts only with ZLVTrimmer=ThreeEdges"},
-    {"ZLVPBindPageSize=B5", Effect::kNone, "counts only with ZLVPBindPosition="},
-    {"ZLVSigVol=5Sheets", Effect::kNone, "ZLVSigVol=5Sheets does not go with the other choices"},
-    {"ZLVPrintType=Mailbox", Effect::kNone, "needs ZLVMailbox"},
-    {"ZLVPrintType=Delayed", Effect::kNone, "needs ZLVDelayTime"},
-    {"ZLVAccountID=Custom.4711", Effect::kLines, "@DAID=4711"},
-    {TICKET_OPTION "PrintTypeTicketKey=2", Effect::kLines, "HOLD=STORE"},
-    {TICKET_OPTION "TabMarginMMShiftTicket=5", Effect::kNone, "counts only with ZLVTabMargin"},
-    {TICKET_OPTION "WMARKScaleTicket=2", Effect::kNone, "read, not used"},
-    // Contradictory and superseded.
-    {"Duplex=None sides=two-sided-short-edge", Effect::kNone, "superseded by Duplex=None"},
-    {"ZLVAccounting=None ZLVAccountPassword=Custom.1", Effect::kNone, "Nothing is printed"},
-    {"job-password=1234 ZLVPrintType=Normal", Effect::kNone, "Nothing is printed"},
-    {"ZLVStaple=None", Effect::kAnyway, "what the queue does anyway"},
-    {"ZLVTrimmer=On ZLVTrimmerCut=Custom.99", Effect::kNone, "not within 1 to 50"},
-    // What works, and where.
-    {"job-password=1234", Effect::kLines, "HOLDENCRYPTKEY=\"(hidden)\""},
-    {"print-color-mode=monochrome", Effect::kLines, "RENDERMODE=GRAYSCALE"},
-    {"ZLVWatermark=Draft", Effect::kDocument, "WMARKNameTicket=Draft"},
-    {"MediaType=RecyclePaper", Effect::kDocument, "MediaType=RecyclePaper"},
-    {"page-ranges=1-2", Effect::kElsewhere, ""},
-    // What a smaller printer has not.
-    {"ZLVPrintType=Mailbox", Effect::kNone, "there is no such choice", "atelier-c60"},
-    {"ZLVTrimmer=On", Effect::kNone, "this printer has no such option", "kontor-m20"},
-};
-
 }  // namespace
 
 TEST(Explain, SaysWhatEachOptionDoesAndWhyOneDoesNothing) {
-  for (const auto& row : kOptions) {
-    SCOPED_TRACE(std::string(row.model) + ": " + row.options);
-    const Explainer explainer = Explained(row.model, row.options);
-    const OptionExplanation option = explainer.explain(explainer.given().size() - 1);
-    EXPECT_STREQ(EffectKey(option.effect), EffectKey(row.effect)) << AllOf(option);
-    EXPECT_NE(AllOf(option).find(row.said), std::string::npos) << AllOf(option);
+  std::string model, options, code, expected;
+  std::vector<std::string> lines = GoldenLines("explanations.txt");
+  lines.emplace_back("|");
+  for (const std::string& line : lines) {
+    const std::string text = line.substr(std::min(line.find(' '), line.size() - 1) + 1);
+    if (line.starts_with('>')) {
+      expected += text + "\n";
+      continue;
+    }
+    if (!expected.empty()) {
+      const Explainer explainer = Explained(model, options);
+      EXPECT_EQ(code.empty() ? TextExplanation(ReportOn(explainer))
+                             : TextExplanation(code, explainer.explainLine(code)),
+                std::exchange(expected, ""))
+          << model << options << " " << code;
+    }
+    if (line.starts_with("on ")) {
+      model = text;
+    } else {
+      const std::size_t asked = text.find("? ");
+      options = text.substr(0, asked);
+      code = asked == text.npos ? "" : text.substr(asked + 2);
+    }
   }
-  const Explainer twice = Explained("atelier-c90", "ZLVStaple=TopDouble ZLVStaple=LeftDouble");
-  EXPECT_NE(AllOf(twice.explain(0)).find("the last one counts"), std::string::npos);
-  EXPECT_EQ(twice.explain(1).effect, Effect::kLines);
 }
 
 // Whatever the job is: each row is named for its line, with just those tests that do not hold.
@@ -174,6 +124,8 @@ TEST(Explain, AnswersScripts) {
       {{"--line", "LUMA"}, 2},
       {{"-x"}, 2},
       {{"--json", "--compose"}, 2},
+      {{"--compose"}, 0},
+      {{"--compose", "-o", "ZLVStapel=LeftDouble"}, 1},
   };
   for (const auto& row : statuses) {
     const ToolResult result = run(row.arguments);
@@ -182,6 +134,10 @@ TEST(Explain, AnswersScripts) {
   }
   EXPECT_EQ(RunTool(EXPLAIN_BINARY, {"--ppd", "/nonexistent.ppd"}).status, 3);
   EXPECT_EQ(RunTool(EXPLAIN_BINARY, {}).status, 2);
+  const ScratchFolder folder;
+  const std::string broken = folder.write("ppd", "hello\n");
+  const ToolResult refused = RunTool(EXPLAIN_BINARY, {"--ppd", broken});
+  EXPECT_NE(refused.messages.find(" in line 1\n"), std::string::npos) << refused.messages;
 
   const std::string secret = "ZLVPrintPassword=Custom.S3cretPin";
   for (const char* line : {"-oNothing=1", "--json", "--line=HOLDENCRYPTKEY"}) {
@@ -191,10 +147,13 @@ TEST(Explain, AnswersScripts) {
     EXPECT_EQ((hidden.output + misspelt.output).find("S3cret"), std::string::npos)
         << hidden.output << misspelt.output;
   }
-  const auto json = nlohmann::json::parse(run({"--json", "-o", "ZLVStaple=LeftDouble"}).output);
-  EXPECT_EQ(json["version"], kExplanationVersion);
-  EXPECT_EQ(json["options"][0]["effect"], "header");
-  EXPECT_EQ(json["options"][0]["lines"][1]["words"], "Staple position: two at the left");
+  auto json = nlohmann::ordered_json::parse(
+      run({"--json", "-o", "ZLVStaple=LeftDouble ZLVStapel=x", "-n", "2"}).output);
+  EXPECT_GT(json["header"].size(), 20u);  // with this computer's name
+  json["header"] = nullptr;
+  EXPECT_EQ(json.dump(2) + "\n", FileContent(TEST_DATA_DIR "/explanation.json"));
+  EXPECT_EQ(run({"--json", "--line=TABS"}).output,
+            FileContent(TEST_DATA_DIR "/explanation-line.json"));
 
   // The manual page names every key.
   const std::string manual = FileContent(SOURCE_DIR "/man/xpjl-explain.1");
@@ -209,11 +168,19 @@ TEST(Explain, AnswersScripts) {
   FilterJob job;
   job.environment["PPD"] = ppd;
   job.arguments = {"1", "sam", "Report", "1", run({"--compose", "-o", secret}).output};
-  const ScratchFolder folder;
-  const std::string file = folder.write("job", RunFilter(job).output);
+  std::string printed = RunFilter(job).output;
+  const std::string address = "@PJL SET JOBATTR=\"@HOAD=10.1.1.1\"\n";  // of another computer
+  const std::string file = folder.write("job", printed.insert(printed.find("@PJL SET"), address));
   const ToolResult same = run({"-o", secret, "--job", file});
   EXPECT_EQ(same.status, 0) << same.output;
   const ToolResult other = run({"-o", secret, "-o", "ZLVStaple=LeftDouble", "--job", file});
   EXPECT_EQ(other.status, 1);
-  EXPECT_NE(other.output.find("it lacks"), std::string::npos) << other.output;
+  EXPECT_NE(other.output.find("The job is another one:\n    it lacks\n"
+                              "      Staple: on  [@PJL COMMENT PRINTJOBINFO STAPLE=ON]\n"
+                              "      Staple position: two at the left  "
+                              "[@PJL COMMENT PRINTJOBINFO STAPLEEX=LEFTDUAL]\n"
+                              "    it has besides\n"
+                              "      Staple: off  [@PJL COMMENT PRINTJOBINFO STAPLE=OFF]\n"),
+            std::string::npos)
+      << other.output;
 }

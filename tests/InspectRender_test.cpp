@@ -1,5 +1,6 @@
 // xpjl-inspect --png: pages of honest jobs, and what a hostile job's document can do: nothing.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,6 +14,8 @@
 
 #include "tests/support/SampleJobs.h"
 #include "tests/support/ToolProcess.h"
+#include "tools/inspect/GhostscriptProcess.h"
+#include "tools/inspect/PictureFiles.h"
 
 namespace {
 
@@ -30,8 +33,9 @@ TEST(InspectRender, RendersPages) {
   const std::string plain = folder.write("plain", FilteredJob(""));
   folder.write("stamped", FilteredJob(kWatermark));
   for (const char* name : {"plain", "stamped"}) {
-    const ToolResult result = Inspect(
-        {folder.path() + "/" + name, "--png", folder.path() + "/50%d " + name, "--dpi", "20"});
+    const ToolResult result =
+        Inspect({folder.path() + "/" + name, "--png", folder.path() + "/50%d " + name, "--dpi",
+                 "20", "--limit-output", "1"});
     ASSERT_EQ(result.status, 0) << result.messages;
   }
   for (const char* page : {"/page-001.png", "/page-004.png"}) {
@@ -47,6 +51,44 @@ TEST(InspectRender, RendersPages) {
   const ToolResult refused = Inspect({broken, "--png", folder.path()});
   EXPECT_EQ(refused.status, 1);
   EXPECT_TRUE(Contains(refused.messages, "does not like the document: Error: /syntaxerror"));
+  const std::string rest = "quit\n" + Repeat("% what nobody reads any more\n", 10'000);
+  EXPECT_EQ(
+      Inspect({folder.write("quits", Job("", "%!PS\n" + rest)), "--png", folder.path()}).status, 0);
+}
+
+// What Ghostscript could write, byte by byte: whole pictures become files, of others nothing stays.
+TEST(InspectRender, TakesPicturesApart) {
+  const std::string signature = "\x89PNG\r\n\x1a\n";
+  const std::string end = std::string(4, '\0') + "IEND\xae\x42\x60\x82";
+  const std::string data = std::string(3, '\0') + "\2IDATxy\1\2\3\4";
+  const struct {
+    std::string bytes;
+    const char* error;
+    int files;
+  } rows[] = {
+      {signature + data + end, "", 1},
+      {signature + end + signature + data + end, "", 2},
+      {"no picture", "Ghostscript wrote something that is no picture", 0},
+      {signature + std::string(8, '\0'), "Ghostscript wrote something that is no picture", 0},
+      {signature + data, "", 0},
+      {signature + end + signature + data + data + data + end,
+       "Ghostscript was ended: the pictures grow too large", 1},
+  };
+  for (const auto& row : rows) {
+    const ScratchFolder folder;
+    folder.write(".page-001.png.part", "of a run before");
+    const int fd = open(folder.path().c_str(), O_RDONLY | O_DIRECTORY);
+    auto files = std::make_unique<PictureFiles>(fd, 60);
+    for (const char byte : row.bytes) files->take({&byte, 1});
+    EXPECT_EQ(files->error(), row.error);
+    EXPECT_EQ(files->count(), row.files);
+    files.reset();
+    close(fd);
+    EXPECT_EQ(fs::exists(folder.path() + "/page-002.png"), row.files == 2);
+    EXPECT_EQ(FileContent(folder.path() + "/page-001.png"),
+              row.files > 0 ? row.bytes.substr(0, row.bytes.find("IEND") + 8) : "");
+    EXPECT_FALSE(fs::exists(folder.path() + "/.page-001.png.part")) << row.error;
+  }
 }
 
 // A document that reads, writes, lists, renames and deletes wherever it can reach prints the
@@ -60,7 +102,7 @@ TEST(InspectRender, KeepsTheDocumentInItsBox) {
   fs::create_symlink(secret, temporary.path() + "/planted");
   fs::create_directory_symlink(outside.path(), temporary.path() + "/folder");
 
-  std::string document = "%!PS\n(reached:) print\n";
+  std::string document = "%!PS\n(\n reached:) print\n";
   std::vector<std::string> attempts;
   const auto attempt = [&](const std::string& code) {
     document += "{ " + code + " ( " + std::to_string(attempts.size()) + ") print } stopped clear\n";
@@ -157,13 +199,14 @@ TEST(InspectRender, HasLimits) {
       {"{} loop", {"--limit-cpu", "1"}, "more than 1 seconds of processor time"},
       {"{ (x) print } loop", {"--limit-time", "1"}, "longer than 1 seconds"},  // endless messages
       {"[ { 60000 string } loop", {"--limit-memory", "100"}, "VMerror"},
-      {noise, {"--limit-output", "1"}, "pictures grow too large"},
+      {noise, {"--limit-output", "1"}, "pictures grow too large"},  // the rest is never read
   };
   const auto check = [](const Row& row) {
     ScratchFolder folder;
     std::vector<std::string> arguments = row.limit;
     if (arguments[0] != "--limit-time") arguments.insert(arguments.end(), {"--limit-time", "20"});
-    arguments.push_back(folder.write("job", Job("", "%!PS\n" + std::string(row.document) + "\n")));
+    arguments.push_back(folder.write(
+        "job", Job("", "%!PS\n" + std::string(row.document) + std::string(200'000, '\n'))));
     arguments.insert(arguments.end(), {"--png", folder.path() + "/pages"});
     const ToolResult result = Inspect(arguments, "PATH=/usr/bin:/bin TMPDIR=" + folder.path());
     EXPECT_EQ(result.status, 1) << row.document;
@@ -173,11 +216,17 @@ TEST(InspectRender, HasLimits) {
   std::vector<std::thread> threads;  // one beside the other: each takes a second at most
   for (const Row& row : rows) threads.emplace_back(check, std::cref(row));
   for (std::thread& thread : threads) thread.join();
+  GhostscriptProcess talkative(10, {}, [](std::string_view) { return true; });
+  talkative.write("%!PS\n10000 { (endless words) print } repeat\n");
+  EXPECT_TRUE(talkative.finish());
+  EXPECT_EQ(talkative.messages().size(), 64u * 1024);
 }
 
-// Nothing of Ghostscript is left when the tool is ended. It is known by its resolution.
+// Nothing of Ghostscript is left when the tool is ended, nor when it ignores a signal and goes on
+// to its limit. It is known by its resolution.
 TEST(InspectRender, EndsWithTheTool) {
-  const int signals[] = {SIGTERM, SIGINT, SIGHUP, SIGKILL};
+  constexpr int kIgnored = -SIGHUP;
+  const int signals[] = {SIGTERM, SIGINT, SIGHUP, SIGKILL, kIgnored};
   for (const int number : signals) {
 #ifndef __linux__
     if (number == SIGKILL) continue;
@@ -187,10 +236,10 @@ TEST(InspectRender, EndsWithTheTool) {
     const std::string pages = folder.path() + "/pages";
     const pid_t pid = fork();
     if (pid == 0) {
-      std::signal(number, SIG_DFL);
+      std::signal(std::abs(number), number == kIgnored ? SIG_IGN : SIG_DFL);
       setenv("TMPDIR", folder.path().c_str(), 1);
       execl(INSPECT_BINARY, "xpjl-inspect", job.c_str(), "--png", pages.c_str(), "--dpi", "113",
-            nullptr);
+            "--limit-time", number == kIgnored ? "2" : "20", nullptr);
       _exit(127);
     }
     const auto children = [&] {
@@ -201,12 +250,16 @@ TEST(InspectRender, EndsWithTheTool) {
     for (int i = 0; i < 100 && !children(); i++)
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_TRUE(children());
-    kill(pid, number);
+    kill(pid, std::abs(number));
     int status = 0;
     waitpid(pid, &status, 0);
-    EXPECT_EQ(WTERMSIG(status), number);
+    EXPECT_EQ(number == kIgnored ? -SIGHUP * WEXITSTATUS(status) : WTERMSIG(status), number);
     for (int i = 0; i < 100 && children(); i++)
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_FALSE(children()) << number;
+    if (number == SIGKILL) continue;
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+      EXPECT_FALSE(entry.path().filename().string().starts_with("xpjl-")) << entry.path();
+    }
   }
 }

@@ -41,6 +41,7 @@ TEST(InspectTool, HidesSecretsEverywhere) {
     const std::string text = result.output + result.messages;
     EXPECT_FALSE(Contains(text, "secret") || Contains(text, "SSSSSSSS")) << text;
   }
+  EXPECT_TRUE(Contains(Inspect({"--diff", first, second}).output, "text (another one)\n"));
   EXPECT_TRUE(Contains(Inspect({first, "--show-passwords"}).output, "secret"));
 }
 
@@ -80,12 +81,20 @@ TEST(InspectTool, ComparesTwoJobs) {
                        "Release password: "));
   const auto json = nlohmann::json::parse(Inspect({"--diff", "--json", first, other}).output);
   EXPECT_FALSE(json["same"]);
-  EXPECT_EQ(json["differences"][0]["second"], "N4");
+  const nlohmann::json pages = {{"group", "layout"},
+                                {"code", "NLPP"},
+                                {"name", "Pages per sheet"},
+                                {"first", "N2"},
+                                {"second", "N4"}};
+  EXPECT_EQ(json["differences"][0], pages);
 
   const std::string insertion = "@PJL SET JOBATTR=\"@EIST=";
   const std::string two = folder.write("d", Job(insertion + "2\"\n" + insertion + "1\"\n"));
-  const std::string three = folder.write("e", Job(insertion + "3\"\n" + insertion + "1\"\n"));
-  EXPECT_EQ(Inspect({"--diff", two, three}).output, "Special pages\n  Insert after page: 2 -> 3\n");
+  const std::string three = folder.write(
+      "e", Job(insertion + "3\"\n" + insertion + "1\"\n", "%!PS\nshowpage\n%%Title: (x)\n"));
+  EXPECT_EQ(Inspect({"--diff", two, three}).output,
+            "Special pages\n  Insert after page: 2 -> 3\n\n"
+            "PostScript\n  Title: (not asked for) -> (x)\n");
 }
 
 // Whatever the tool writes as JSON is what the schema says, and nothing else.
@@ -152,6 +161,9 @@ TEST(InspectTool, FitsATerminal) {
     std::istringstream lines(shown);
     for (std::string line; std::getline(lines, line);) EXPECT_LE(Columns(line), 80u) << line;
   }
+  EXPECT_EQ(ForTerminal("job: nothing wrong\n  " + Repeat("seven ä ", 20), true),
+            "\033[1mjob: nothing wrong\033[0m\n  " + Repeat("seven ä ", 9) + "seven\n      ä " +
+                Repeat("seven ä ", 8) + "seven ä\n      seven ä\n");
 }
 
 TEST(InspectTool, KeepsItsManners) {
@@ -178,15 +190,18 @@ TEST(InspectTool, KeepsItsManners) {
       {{good, "--device-key", good}, 3, "is no private key that can be read"},
       {{good, "--png", good}, 3, "cannot make the folder"},
       {{}, 2, "JOB is required"},
+      {{"\033[1m"}, 3, "cannot read \\x1b[1m: "},
       {{good, good}, 0, ""},
       {{good, bad, good}, 1, "bad: line 2"},
       {{good, good, "--extract", "x"}, 2, "take one job"},
       {{good, "--extract", folder.path()}, 3, "cannot write "},
       {{good, "--extract", good}, 3, "it is the job itself"},
+      {{good, "--extract", "/dev/full"}, 3, "cannot write: "},
       {{good, "--extract", link}, 3, "it is a link"},
       {{"--diff", good}, 2, "--diff compares two jobs"},
       {{"--png", "x", good, good}, 2, "--png and --extract"},
       {{good, "--dpi", "50"}, 2, "--png"},
+      {{good, "--png", "x", "--dpi", "9"}, 2, "--dpi"},
       {{good, "--colour"}, 2, "--colour"},
   };
   for (const auto& row : rows) {
@@ -202,7 +217,17 @@ TEST(InspectTool, KeepsItsManners) {
       Inspect({"--extract", old, good}).status + Inspect({"--extract", "/dev/null", good}).status,
       0);
   EXPECT_EQ(FileContent(old), "%!PS\nshowpage\n");
-  EXPECT_TRUE(Contains(Inspect({"-"}, Job("")).output, "nothing wrong"));
+  EXPECT_TRUE(Inspect({"-"}, Job("")).output.starts_with("-: 96 bytes, 1 page, nothing wrong\n"));
+  EXPECT_TRUE(Contains(Inspect({good, good}).output, "\n\n" + good + ": 96 bytes"));
+  // What a shell does with the standard streams; no message gets into a file of the job's.
+  const auto shell = [&](const std::string& redirected) {
+    return RunTool("/bin/sh", {"-c", INSPECT_BINARY " " + redirected}).status;
+  };
+  EXPECT_EQ(shell("--extract " + good + " - <" + good), 3);
+  EXPECT_EQ(shell("--extract " + link + "ed - <" + bad + " 2>&-"), 1);
+  EXPECT_EQ(FileContent(good) + FileContent(link + "ed"), Job("") + "%!PS\nshowpage\n");
+  EXPECT_EQ(shell(good + " >&-"), 3);
+  EXPECT_EQ(shell(good + " >/dev/full"), 3);
   EXPECT_EQ(Inspect({"--help"}).status, 0);
   EXPECT_TRUE(Inspect({"--version"}).output.starts_with("xpjl-inspect "));
 }

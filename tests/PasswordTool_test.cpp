@@ -162,6 +162,7 @@ TEST(PasswordTool, ChecksAValue) {
       {Stored(std::string(255, 'x')), true},
       {Stored("geheim").replace(3, 1, "_"), false},
       {Stored("geheim").substr(4), false},
+      {Stored(""), false},
       {"AAAAAAAAAAAAAAAAAAAAAA==", false},
       {Stored(std::string(300, 'x')), false},
       {std::string(600, 'A'), false},
@@ -198,6 +199,9 @@ TEST(PasswordTool, LeavesNoPasswordInMemory) {
       {{INSPECT_BINARY, "-", "--device-key", key, "--json"}, job},
       {{INSPECT_BINARY, "-", "--device-key", key, "--show-passwords"}, job},
       {{INSPECT_BINARY, "-", "--device-key", key, "--show-passwords", "--json"}, job},
+      {{EXPLAIN_BINARY, "--ppd", PPD_DIR "/zelva-atelier-c90.ppd",
+        "-oZLVPrintPassword=Custom.correct horse battery staple"},
+       ""},
   };
   for (const auto& row : rows) {
     const auto memory = MemoryAtExit(row.arguments, {}, row.input);
@@ -213,20 +217,29 @@ TEST(PasswordTool, LeavesNoPasswordInMemory) {
 TEST(PasswordTool, AsksOnATerminalWithoutEcho) {
   if (!PseudoTerminalsExist()) GTEST_SKIP() << "this machine has no pseudo terminals";
   const struct {
-    const char* first;
-    const char* second;
+    std::vector<std::pair<const char*, const char*>> dialogue;  // a prompt, and what is typed
     int status;
     const char* shown;
   } rows[] = {
-      {"geheim\n", "geheim\n", 0, "Password: \r\nOnce more: \r\n"},
-      {"geheim\n", "Geheim\n", 1,
+      {{{"Password: ", "geheim\n"}, {"Once more: ", "geheim\n"}},
+       0,
+       "Password: \r\nOnce more: \r\n"},
+      {{{"Password: ", "geheim\n"}, {"Once more: ", "Geheim\n"}},
+       1,
        "Password: \r\nOnce more: \r\nxpjl-password: the two passwords differ\r\n"},
-      {"geheim\n", "\3", -SIGINT, "Password: \r\nOnce more: \r\n"},
+      {{{"Password: ", "geheim\n"}, {"Once more: ", "\3"}},
+       -SIGINT,
+       "Password: \r\nOnce more: \r\n"},
+      // Stopped, it asks again when it goes on.
+      {{{"Password: ", "\32"},
+        {"Password: \r\nPassword: ", "geheim\n"},
+        {"Once more: ", "geheim\n"}},
+       0,
+       "Password: \r\nPassword: \r\nOnce more: \r\n"},
   };
   for (const auto& row : rows) {
     OnTerminal tool;
-    tool.answer("Password: ", row.first);
-    tool.answer("Once more: ", row.second);
+    for (const auto& [prompt, typed] : row.dialogue) tool.answer(prompt, typed);
     EXPECT_EQ(tool.finish(), row.status);
     EXPECT_EQ(tool.output(), row.status == 0 ? Stored("geheim") + "\n" : "");
     EXPECT_EQ(tool.shown(),

@@ -109,19 +109,6 @@ TEST(Inspect, WritesWholeReports) {
   const JobReport report = ReportOf(job);
   EXPECT_EQ(TextReport("\033[1m\xff", report, {}), FileContent(TEST_DATA_DIR "/inspection.txt"));
   EXPECT_EQ(JsonReport("\033[1m\xff", report, {}), FileContent(TEST_DATA_DIR "/inspection.json"));
-  // Places of insertions are places in the job.
-  const std::pair<InjectionKind, const char*> begins[] = {
-      {InjectionKind::kWatermarkProlog, "userdict/fffInfo"},
-      {InjectionKind::kSeparatorPages, "[{"},
-      {InjectionKind::kWatermarkPageSetup, "fffbp"},
-      {InjectionKind::kWatermarkText, "pgsave restore /pgsave"},
-  };
-  const std::vector<Injection>& injections = report.postScript.injections;
-  ASSERT_EQ(injections.size(), std::size(begins));
-  for (std::size_t i = 0; i < injections.size(); i++) {
-    EXPECT_EQ(injections[i].kind, begins[i].first) << i;
-    EXPECT_TRUE(job.substr(injections[i].offset).starts_with(begins[i].second)) << i;
-  }
 }
 
 // Wherever a job breaks off something is wrong with it, and endless ones are reported shortly.

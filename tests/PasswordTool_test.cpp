@@ -20,7 +20,6 @@
 #include "tests/support/Patterns.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/SampleJobs.h"
-#include "tests/support/Tickets.h"
 #include "tests/support/ToolProcess.h"
 
 namespace {
@@ -122,16 +121,6 @@ TEST(PasswordTool, PrintsTheTicketValueOfTheFirstLine) {
     EXPECT_EQ(result.output, refused ? "" : Stored(row.password) + "\n");
     EXPECT_EQ(result.messages, refused ? row.message : "");
   }
-}
-
-TEST(PasswordTool, ReachesTheDevice) {
-  std::string value = RunTool(PASSWORD_BINARY, {}, "ge heim\n").output;
-  value.pop_back();
-  FilterJob job;
-  job.arguments[4] = Tickets(
-      "PrintTypeTicketKey=2 PrintTypeUserNameTicketKey=sam PrintTypePasswordTicketKey=" + value);
-  EXPECT_NE(WithOpenedPasswords(RunFilter(job).output).find("HOLDENCRYPTKEY=\"<ge heim>\""),
-            std::string::npos);
 }
 
 TEST(PasswordTool, TakesNoPasswordFromTheCommandLine) {

@@ -38,16 +38,14 @@ std::vector<std::string> TicketsOf(const Outcome& outcome) {
 std::vector<std::string> MarksOf(const Outcome& outcome) {
   std::vector<std::string> marks;
   for (const auto& [option, choice] : outcome.marks) {
-    marks.push_back(option + "=" + (IsSecret(option) && choice.size() > 6 ? "(hidden)" : choice));
+    marks.push_back(option + "=" + choice);
   }
   return marks;
 }
 
 // Whether the PPD has PostScript for what is marked: other filters put it into the document.
 bool IsInDocument(ppd_file_t* ppd, const std::string& option) {
-  const ppd_option_t* found = ppd != nullptr ? ppdFindOption(ppd, option.c_str()) : nullptr;
-  if (found == nullptr || found->section == PPD_ORDER_JCL) return false;
-  const ppd_choice_t* marked = ppdFindMarkedChoice(ppd, option.c_str());
+  const ppd_choice_t* marked = ppd != nullptr ? ppdFindMarkedChoice(ppd, option.c_str()) : nullptr;
   return marked != nullptr && marked->code != nullptr && *marked->code != '\0';
 }
 
@@ -254,7 +252,7 @@ void Explainer::explainIdle(std::size_t index, OptionExplanation& found) const {
     const Choice before = choices.choice(acting);
     const auto now = job_.marks.find(acting);
     const bool same = SameName(before.keyword, option.value);
-    if (!same && !choices.offers(acting, option.value) &&
+    if (!same && acting == option.name && !choices.offers(acting, option.value) &&
         option.value.find('.') == std::string::npos) {
       const std::string nearest = NearestName(option.value, choices.choiceNames(acting));
       found.why.push_back("There is no such choice" +

@@ -1,9 +1,8 @@
-// What the inspector makes of lines that are well formed, but say something strange together.
+// What the inspector makes of watermarks, of the jobs of a queue, and of hostile input in time.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <ctime>
 
 #include "queue/WatermarkTickets.h"
@@ -12,16 +11,6 @@
 #include "tools/inspect/JobReader.h"
 #include "tools/inspect/Reports.h"
 #include "tools/inspect/WatermarkText.h"
-
-namespace {
-
-std::string ProblemsOf(const std::string& job) {
-  std::string text = TextReport("job", ReadJob(job), {});
-  const std::size_t at = text.find("\nProblems\n");
-  return at == text.npos ? "" : text.substr(at);
-}
-
-}  // namespace
 
 TEST(Plausibility, KnowsABrokenWatermark) {
   double width = 0;
@@ -67,7 +56,8 @@ TEST(Plausibility, LeavesJobsOfAQueueAlone) {
     const std::string pages = RunTool(CUPS_FILTERS "/pstops", arguments, row.document, ppd).output;
     const std::string job = RunTool(QUEUE_FILTER_BINARY, arguments, pages, ppd).output;
     EXPECT_TRUE(Contains(job, row.says)) << row.options;
-    EXPECT_EQ(ProblemsOf(job), "") << row.options;
+    const std::string text = TextReport("job", ReadJob(job), {});
+    EXPECT_TRUE(Contains(text, ", nothing wrong\n")) << row.options << text;
   }
 }
 

@@ -9,9 +9,11 @@
 #include "engine/ModuleDispatch.h"
 #include "modules/perfectbind/PerfectBind.h"
 #include "modules/quality/Quality.h"
+#include "queue/TicketList.h"
 #include "queue/TicketRows.h"
 #include "tests/support/Patterns.h"
 #include "tools/dialect/Dialect.h"
+#include "tools/explain/RowTests.h"
 
 namespace {
 
@@ -40,11 +42,6 @@ std::vector<Row> RowsUnder(const std::string& head) {
   return rows;
 }
 
-std::string ShortKey(const std::string& key) {
-  const std::string prefix = TICKET_KEY("");
-  return key.starts_with(prefix) ? key.substr(prefix.size()) : key;
-}
-
 bool HoldsQuotes(const std::string& key) {
   return key.find('"') != key.npos;  // no job can name it
 }
@@ -60,21 +57,11 @@ Names KeysOf(const Module& module) {
   return keys;
 }
 
-// The lines of the module's rows whose values or conditions look at what `destination` holds.
-Names LinesMadeOf(const Module& module, const void* destination) {
+// The lines of the rows whose values or conditions look at what the ticket fills.
+Names LinesMadeOf(const std::string& key) {
   Names codes;
-  for (const RowTable* table : module.rows) {
-    for (const PrtFmt& row : table->rows) {
-      bool uses = false;
-      for (std::int32_t i = 0; row.values != nullptr && i < row.values->count; i++) {
-        uses |= row.values->list[i].value == destination;
-      }
-      for (std::int32_t i = 0; row.condition != nullptr && i < row.condition->count; i++) {
-        uses |= row.condition->items[i].left == destination;
-      }
-      const auto code = Captures("@PJL SET (JOBATTR=%c@)?([A-Z]+)=", row.format);
-      if (uses) codes.insert(code.front());
-    }
+  for (const RowState& state : RowsUsing(key)) {
+    codes.insert(Captures("@PJL SET (JOBATTR=%c@)?([A-Z]+)=", state.row->format).front());
   }
   return codes;
 }
@@ -181,7 +168,7 @@ TEST(JobOptionsDocument, NamesTheLinesOfEachTicket) {
     if (module.rows.empty()) byHand.merge(KeysOf(module));
     for (const TicketTable& table : module.tickets) {
       for (const TicketData& row : table.latin1) {
-        fromRows[ShortKey(row.key)].merge(LinesMadeOf(module, row.destination));
+        fromRows[ShortKey(row.key)] = LinesMadeOf(row.key);
       }
     }
   }

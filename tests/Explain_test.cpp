@@ -65,6 +65,12 @@ TEST(Explain, SaysWhatEachOptionDoesAndWhyOneDoesNothing) {
   }
 }
 
+TEST(Explain, RemarksOnWhatTheQueueAdds) {
+  const ExplanationReport report = ReportOn({TrialFor("atelier-c90"), {{"ZLVStapel", "x"}}, {}});
+  EXPECT_EQ(report.remarks.size(), 1u);
+  EXPECT_FALSE(report.fine());
+}
+
 // Whatever the job is: each row is named for its line, with just those tests that do not hold.
 TEST(Explain, NamesEveryRowAndTheTestsThatFailed) {
   std::size_t written = 0, failed = 0;
@@ -117,6 +123,7 @@ TEST(Explain, AnswersScripts) {
     int status;
   } statuses[] = {
       {{"-o", "ZLVStaple=LeftDouble Duplex=DuplexTumble", "-n", "2"}, 0},
+      {{"-o", "ZLVStaple=None"}, 0},
       {{"-o", "ZLVStapel=LeftDouble"}, 1},
       {{"--line", "JOEP"}, 1},
       {{"--line", "LUNA"}, 0},

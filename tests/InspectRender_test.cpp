@@ -223,9 +223,10 @@ TEST(InspectRender, HasLimits) {
 }
 
 // Nothing of Ghostscript is left when the tool is ended, nor when it ignores a signal and goes on
-// to its limit. It is known by its resolution.
+// to its limit. It is known by its resolution, of which each run has its own.
 TEST(InspectRender, EndsWithTheTool) {
   constexpr int kIgnored = -SIGHUP;
+  const std::string dpi = std::to_string(100 + getpid() % 1000);
   const int signals[] = {SIGTERM, SIGINT, SIGHUP, SIGKILL, kIgnored};
   for (const int number : signals) {
 #ifndef __linux__
@@ -238,13 +239,13 @@ TEST(InspectRender, EndsWithTheTool) {
     if (pid == 0) {
       std::signal(std::abs(number), number == kIgnored ? SIG_IGN : SIG_DFL);
       setenv("TMPDIR", folder.path().c_str(), 1);
-      execl(INSPECT_BINARY, "xpjl-inspect", job.c_str(), "--png", pages.c_str(), "--dpi", "113",
-            "--limit-time", number == kIgnored ? "2" : "20", nullptr);
+      execl(INSPECT_BINARY, "xpjl-inspect", job.c_str(), "--png", pages.c_str(), "--dpi",
+            dpi.c_str(), "--limit-time", number == kIgnored ? "2" : "20", nullptr);
       _exit(127);
     }
     const auto children = [&] {
-      const std::string list =
-          "ps -A -o pid= -o ppid= -o args= | grep -c '[g]s -q.*-r113' >" + folder.path() + "/count";
+      const std::string list = "ps -A -o pid= -o ppid= -o args= | grep -c '[g]s -q.*-r" + dpi +
+                               " ' >" + folder.path() + "/count";
       return std::system(list.c_str()) == 0;
     };
     for (int i = 0; i < 100 && !children(); i++)

@@ -23,15 +23,18 @@ std::string Stamp(const std::string& save) {
 }
 
 TEST(Watermark, StandsAtEveryBoundaryOrAtTheFirstOfItsKind) {
-  const std::string prolog =
+  const std::string definitions =
       "%%BeginProlog\nuserdict/fffInfo 2 dict dup begin\n/fffpgsave 0 def\n"
-      "/fffbp{/fffpgsave save restore} bind def\n%%EndProlog\n%%EndSetup\n";
+      "/fffbp{/fffpgsave save restore} bind def\n";
+  const std::string prolog = definitions + "%%EndProlog\n%%EndSetup\n";
   EXPECT_EQ(Document(kWatermark), prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") +
                                       "ep\n%%EndPageSetup\nfffbp\n" + Stamp("pm") + "endp\n");
   for (const char* first : {"WMARKOnlyFirstTicket=1", "WMARKOnlyFirstTicket=-1"}) {
     EXPECT_EQ(Document(kWatermark + std::string(first)),
               prolog + "%%EndPageSetup\nfffbp\n" + Stamp("pgsave") + "ep\n%%EndPageSetup\n" +
                   Stamp("pm") + "endp\n");
+    EXPECT_EQ(PrintedDocument(kWatermark + std::string(first), "%%BeginProlog\n%%BeginProlog\n"),
+              definitions + "%%BeginProlog\n");
   }
   for (const char* off : {"WMARKNameTicket=", "WMARKTypeTicket=1", "WMARKTypeTicket=-1"}) {
     EXPECT_EQ(Document(kWatermark + std::string(off)), kDocument) << off;
@@ -50,7 +53,7 @@ TEST(Watermark, TextsAndNumbersAreData) {
       {"WMARKFontSizeTicket=-2147483649", "/Helvetica -2147483648 selectfont\n"},
       {"WMARKDensityTicket=100", "\n0.00 0.00 1.00 setrgbcolor\n"},
       {"WMARKDensityTicket=0", "\n1.00 1.00 1.00 setrgbcolor\n"},
-      {"WMARKColorRTicket=nan", "\nnan 0.50 1.00 setrgbcolor\n"},
+      {"WMARKColorRTicket=-nan", "\nnan 0.50 1.00 setrgbcolor\n"},
       {"WMARKColorRTicket=-inf", "\n-inf 0.50 1.00 setrgbcolor\n"},
       {"WMARKAngleTicket=400", "\n400 rotate\n"},
   };

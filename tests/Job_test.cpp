@@ -14,19 +14,13 @@
 
 namespace {
 
-FilterJob JobWith(const std::string& input) {
-  FilterJob job;
-  job.input = input;
-  return job;
-}
-
 #ifdef __linux__
 TEST(Job, LongHostNamesAreCutForUTF8Printers) {
   if (std::system("unshare -u true 2>/dev/null") != 0)
     GTEST_SKIP() << "no right to rename the host";
   const std::string name = "a-computer-whose-name-is-longer-than-most";
   const ScratchFolder folder;
-  FilterJob job = JobWith("");
+  FilterJob job;
   job.under = {"/usr/bin/unshare", "-u", "/bin/sh", "-c",
                "echo " + name + " >/proc/sys/kernel/hostname; exec \"$0\" \"$@\""};
   EXPECT_NE(RunFilter(job).output.find("\"@CNAM=" + name + "\"\n"), std::string::npos);
@@ -37,7 +31,7 @@ TEST(Job, LongHostNamesAreCutForUTF8Printers) {
 #endif
 
 TEST(Job, CountsItsPagesForCUPS) {
-  FilterJob job = JobWith("%%EndProlog\nep\n%%EndProlog\nendp\nep\nshowpage\nep ");
+  FilterJob job{.input = "%%EndProlog\nep\n%%EndProlog\nendp\nep\nshowpage\nep "};
   job.arguments[3] = "7";
   const FilterResult result = RunFilter(job);
   EXPECT_EQ(result.messages, "PAGE:1 7\nPAGE:3 7\n");  // endp counts, but is not logged
@@ -45,11 +39,17 @@ TEST(Job, CountsItsPagesForCUPS) {
 
 TEST(Job, ReadsAFileWhenGivenOne) {
   const ScratchFolder folder;
-  FilterJob job = JobWith("not this");
+  FilterJob job{.input = "not this"};
   job.arguments.push_back(folder.write("job.ps", "%!PS\r\nbp\r\n"));
   EXPECT_EQ(Body(RunFilter(job).output), kEnterPS + "%!PS\r\nbp\r\n\x04");
   job.arguments.push_back("more");
   EXPECT_EQ(Body(RunFilter(job).output), kEnterPS + "%!PS\r\nbp\r\n\x04");
+}
+
+TEST(Job, BindsNoBookWithoutAPPD) {
+  FilterJob job;
+  job.arguments[4] = "ZLVPBindPosition=BindLeft";
+  EXPECT_EQ(RunFilter(job).output.find("@PB"), std::string::npos);
 }
 
 TEST(Job, WithTooFewArgumentsSaysHowItIsUsed) {
@@ -92,7 +92,7 @@ TEST(Job, SaysItsVersionAndForWhichKeysItSeals) {
 TEST(Job, SampleGoesThroughUnchanged) {
   const std::string sample = FileContent(SAMPLES_DIR "/handbook.ps");
   ASSERT_GT(sample.size(), 1000u);
-  FilterJob job = JobWith(sample);
+  FilterJob job{.input = sample};
   job.environment["PPD"] = PPD_DIR "/zelva-kontor-m20.ppd";
   const FilterResult result = RunFilter(job);
   EXPECT_TRUE(Body(result.output).ends_with(kEnterPS + sample + "\x04"));

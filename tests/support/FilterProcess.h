@@ -11,9 +11,9 @@
 struct FilterJob {
   std::string filter = FILTER_BINARY;
   std::vector<std::string> arguments = {"1", "user", "title", "1", ""};
-  std::map<std::string, std::string> environment;  // besides a PATH
-  std::string input;                               // standard input
-  std::vector<std::string> under;  // a program with its arguments that runs the filter
+  std::map<std::string, std::string> environment = {};  // besides a PATH
+  std::string input = {};                               // standard input
+  std::vector<std::string> under = {};  // a program with its arguments that runs the filter
   bool inputDoesNotBlock = false;
   int outputPacket = 0;  // standard output refuses writes well above so many bytes
 

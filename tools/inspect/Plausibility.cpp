@@ -10,6 +10,7 @@
 
 #include "modules/quality/Quality.h"
 #include "tools/dialect/ByteSearch.h"
+#include "tools/dialect/DisplayText.h"
 
 namespace {
 
@@ -108,10 +109,12 @@ class Judge {
 
   void contradict(const OwnSetting& own, const Setting& setting) {
     report_.problem(setting.line,
-                    "contradiction: the document asks for " + own.name + " " + own.value +
-                        " on line " + std::to_string(own.line),
+                    "contradiction: the document asks for " + shown(own.name) + " " +
+                        shown(own.value) + " on line " + std::to_string(own.line),
                     setting.raw);
   }
+  // Nothing that a terminal would obey.
+  std::string shown(const std::string& text) const { return Printable(text, report_.charset); }
 
   void document() {
     const PostScriptFacts& facts = report_.postScript;
@@ -176,7 +179,7 @@ class Judge {
   void announced(const OwnSetting& own) {
     const std::uint64_t pages = sheetPages();
     if (pages == 0 || !report_.trailer || own.value == std::to_string(pages)) return;
-    report_.problem(own.line, "contradiction: the document announces " + own.value +
+    report_.problem(own.line, "contradiction: the document announces " + shown(own.value) +
                                   " pages, but has " + std::to_string(pages));
   }
 

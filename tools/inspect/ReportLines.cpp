@@ -72,7 +72,8 @@ void AddPostScript(const JobReport& report, LineList& list) {
   ReportLine& size = list.add("Size", std::to_string(facts.bytes) + " bytes");
   size.raw = "lines " + std::to_string(facts.firstLine) + " to " + std::to_string(facts.lastLine);
   for (const OwnSetting& own : facts.own.entries) {
-    ReportLine& line = list.add(own.kind == "comment" ? own.name : "Asks for: " + own.name,
+    const std::string name = Printable(own.name, report.charset);
+    ReportLine& line = list.add(own.kind == "comment" ? name : "Asks for: " + name,
                                 Printable(WithoutSecrets(own.value), report.charset));
     line.line = own.line;
     line.raw = "line " + std::to_string(own.line);

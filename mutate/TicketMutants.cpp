@@ -23,6 +23,19 @@ constexpr TicketGetter* kTextGetters[] = {GetTicketStringConvertedToPrtLang,
                                           GetTicketStringConvertedToPrtLangForUTF8, GetTicketString,
                                           GetTicketStringConvertedToPPDEncodingString};
 
+// Whether the text goes to the printer as it is, rather than being compared with words.
+bool IsPrinted(const TicketData& row) {
+  if (std::string_view(row.key).find("WMARK") != std::string_view::npos) return true;
+  for (const RowTable* table : RowTables()) {
+    for (const PrtFmt& line : table->rows) {
+      for (std::int32_t i = 0; line.values != nullptr && i < line.values->count; i++) {
+        if (line.values->list[i].value == row.destination) return true;
+      }
+    }
+  }
+  return false;
+}
+
 void AddGetters(TableMutants& mutants, const std::string& name, const TicketData& row) {
   if (row.getter == GetTicketInteger)
     return AddChange(mutants, name + " getter", row.getter, CheckTicketKey);
@@ -32,9 +45,17 @@ void AddGetters(TableMutants& mutants, const std::string& name, const TicketData
     return AddChange(mutants, name + " getter", row.getter, GetNumberUpTicketStringForComment);
   if (row.getter == GetNumberUpTicketStringForComment)
     return AddChange(mutants, name + " getter", row.getter, GetNumberUpTicketString);
+  if (!IsPrinted(row)) return AddChange(mutants, name + " getter", row.getter, GetTicketInteger);
   for (TicketGetter* other : std::span(kTextGetters).first(2)) {
     if (row.getter != other) AddChange(mutants, name + " getter", row.getter, other);
   }
+}
+
+// A sealed password has one length, far below its field's.
+void AddSize(TableMutants& mutants, const std::string& name, const TicketData& row) {
+  if (row.size <= static_cast<std::int32_t>(sizeof(std::int32_t))) return;
+  const bool counts = IsPrinted(row) && row.getter != GetTicketPasswordStringConvertedToEncryption;
+  AddChange(mutants, name + " size", row.size, counts ? row.size - 1 : 2);
 }
 
 void AddTable(TableMutants& mutants, const std::string& table, std::span<const TicketData> rows) {
@@ -44,8 +65,7 @@ void AddTable(TableMutants& mutants, const std::string& table, std::span<const T
     const std::string name = table + " " + row.key;
     AddBreak(mutants, name + " key", row.key);
     AddGetters(mutants, name, row);
-    if (row.size > static_cast<std::int32_t>(sizeof(std::int32_t)))
-      AddChange(mutants, name + " size", row.size, row.size - 1);
+    AddSize(mutants, name, row);
     if (previous != nullptr && previous->getter == row.getter)
       AddExchange(mutants, name + " key exchanged with the one ahead", row.key, previous->key);
     previous = &row;

@@ -142,7 +142,7 @@ TEST_P(Surroundings, ACancelledJobEndsAtAPageOrWithItsInput) {
     std::string before, after;  // the signal, of the input
     std::string plain, decomposed;
   } cases[] = {
-      {"", "one\nep\ntwo\n", "one\n", "(nothing)"},
+      {"", "one\nbp\nep\ntwo\n", "one\nbp\n", "(nothing)"},
       {"", "", "\x04", ""},
       {"%!PS\n%%EndProlog\n", "one\nep\ntwo\n", "%!PS\n%%EndProlog\none\n", "(nothing)"},
       {"one\nsho", "wpage\ntwo\n", "one\n", "(nothing)"},

@@ -82,8 +82,10 @@ std::vector<JobOption> WithAttributes(ppd_file_t* ppd, std::vector<JobOption> op
     if (ppd == nullptr || ppdFindOption(ppd, row.option) == nullptr) {
       complaints.complain(secret, row.attribute,
                           std::string(row.attribute) + ": this printer has no " + row.option);
-    } else if (Find(options, row.option) == options.end()) {
+    } else if (const auto own = Find(options, row.option); own == options.end()) {
       options.push_back({row.option, "Custom." + value});
+    } else if (SameName(own->value, "None")) {
+      own->value = "Custom." + value;  // a dialog's default must not take a PIN away
     }
   }
   return options;

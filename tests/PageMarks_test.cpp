@@ -81,60 +81,18 @@ TEST(PageMarks, OfHeadsAndPagesThatDoNotEndAreDecidedInTime) {
             head + definitions + page + marks + many + end + marks);
 }
 
-TEST(PageMarks, KnowHowOftenTheDeviceIsToPrint) {
-  const std::pair<std::string, int> setups[] = {
-      {"", 1},
-      {"%%BeginNonPPDFeature: NumCopies 3\n", 3},
-      {"%RBINumCopies: 4\n{1 dict begin/NumCopies exch def}{userdict/#copies 3 -1 roll put}\n", 4},
-      {"<</NumCopies 12>>setpagedevice\n", 12},
-      {"/#copies 7 def\n/NumCopies 3 def\n", 3},
-      {"/NumCopies 3 def\nuserdict/#copies 7 put\n", 7},
-      {"/NumCopies -1 def\n", 1},
-      {"%" + std::string(300, ' ') + "/NumCopies 9 def\n", 1},
-      {"% NumCopies 9\n(NumCopies 77)pop\n%/NumCopies 9 def\n(/#copies 8 def)pop\n", 1},
-      {"%RBIBeginNonPPDFeature: *NumCopies 5\r% %RBINumCopies: 7\r(\\(%RBINumCopies: 8)pop\n", 5},
-      {"/NumCopies 99999999999999999999 def\n", 99999},
-  };
-  for (const auto& [setup, copies] : setups) {
-    PageMarks marks(Source("%!PS-Adobe-3.0\n" + setup + "%%Page: 1 1\n/#copies 9 def\n", 100));
-    char first;
-    while (marks.read(&first, 1) < 0) continue;
-    EXPECT_EQ(marks.deviceCopies(), copies) << setup;
-  }
-}
-
 TEST(PageMarks, AreForWhatStandsAheadOfTheFirstExitSequence) {
-  const std::string exit = "\x1b%-12345X", ps = "%!PS\n\x1b%-1234 \x1b\x1b[ @PJL\nshowpage\n";
-  const std::string header = exit + "@PJL JOB\r\n@PJL ENTER LANGUAGE=POSTSCRIPT\r\n";
-  const std::string blanks(9000, ' ');
-  const struct {
-    std::string input, body;
-    bool isCut;
-  } cases[] = {
-      {"", "", false},
-      {"\4 ", "\4 ", false},
-      {ps, ps, false},
-      {ps + "\x1b%-1", ps + "\x1b%-1", false},
-      {"\r\n\4" + header + ps + "\4\n" + exit + "@PJL EOJ\n\4" + exit, ps + "\4\n", false},
-      {blanks + header + ps, blanks, true},
-      {exit + blanks + exit + "\x1b%" + ps, "\x1b%" + ps, false},
-      {exit + "@PJ" + ps, "@PJ" + ps, false},
-      {"\4@PJL" + ps, "\4@PJL" + ps, false},
-      {exit + "@PJ" + ps + exit + "L\n", "@PJ" + ps, true},
-      {"%!PS\n123" + exit, "%!PS\n123", false},
-      {ps + exit + "@PJL JOB\n" + ps, ps, true},
-      {ps + "(\x1b" + exit + ")" + blanks + exit, ps + "(\x1b", true},
-      {header + ps + exit + "@PJL EOJ\n" + exit + "\x1b%", ps, false},
-      {header + ps + exit + "@PJ", ps, false},
-  };
-  for (const auto& c : cases) {
+  for (const std::string& line : GoldenLines("exit-sequences.txt")) {
+    const std::size_t begin = line.find('<'), end = line.rfind('>');
+    const std::string printed = line.substr(begin + 1, end - begin - 1);
+    const std::string input = line.substr(4, begin - 4) + printed + line.substr(end + 1);
     for (const auto& [piece, room] : {std::pair{1U, 65536U}, {8U, 10U}, {65536U, 1U}}) {
       for (const int error : {0, EIO}) {
-        DocumentBody body(Source(c.input, piece, error));
+        DocumentBody body(Source(input, piece, error));
         int said = 0;
-        EXPECT_EQ(ReadAll(body, room, &said), c.body) << c.input;
+        EXPECT_EQ(ReadAll(body, room, &said), printed) << line;
         EXPECT_EQ(said, error);
-        EXPECT_EQ(body.isCut(), c.isCut) << c.input;
+        EXPECT_EQ(body.isCut(), line.starts_with("cut ")) << line;
       }
     }
   }
@@ -193,23 +151,9 @@ TEST(PageMarks, LeavePagesOfManyProducersAsTheyAre) {
   made("gs -q -dBATCH -dNOPAUSE -sDEVICE=pdfwrite -dAutoRotatePages=/None -o a.pdf mixed.ps");
   made("gs -q -dBATCH -dNOPAUSE -sDEVICE=ps2write -o a.ps a.pdf && pdftops a.pdf b.ps");
   made("pdftocairo -ps a.pdf c.ps");
-  const std::pair<const char*, std::size_t> producers[] = {
-      {"cat a.ps", 4},
-      {"cat b.ps", 4},
-      {"cat c.ps", 4},
-      {"$F/pstops 1 u t 1 number-up=2 a.ps", 2},
-      {"$F/pstops 1 u t 1 number-up=4 b.ps", 1},
-      {"$F/pstops 1 u t 1 number-up=16 c.ps", 1},
-      {"$F/pstops 1 u t 1 number-up=2 $HANDBOOK", 2},
-      {"$F/pstops 1 u t 1 number-up=4 $HANDBOOK", 1},
-      {"$F/pstops 1 u t 1 page-border=single $HANDBOOK", 4},
-      {"$F/pstops 1 u t 2 'collate=true number-up=2' b.ps", 4},
-      {"$F/pstops 1 u t 2 page-border=single b.ps", 8},
-      {"$F/pdftopdf 1 u t 1 booklet=on a.pdf | $F/pdftops 1 u t 1 ''", 2},
-      {"$F/pdftopdf 1 u t 1 number-up=4 a.pdf | $F/pdftops 1 u t 1 ''", 1},
-      {"$F/texttops 1 u t 1 '' mixed.ps", 1},
-  };
-  for (const auto& [command, pages] : producers) {
+  for (const std::string& line : GoldenLines("producers.txt")) {
+    const std::string command = line.substr(line.find(' '));
+    const std::size_t pages = std::stoul(line);
     SCOPED_TRACE(command);
     const std::string document = made(command);
     if (document.empty()) continue;
@@ -222,48 +166,11 @@ TEST(PageMarks, LeavePagesOfManyProducersAsTheyAre) {
 
 TEST(PageMarks, LeavePagesWrittenByHandAsTheyAre) {
   if (!HasGhostscript()) GTEST_SKIP() << "Ghostscript is not installed";
-  const std::string box = "9 9 99 50 rectfill ", next = "\n%%Page: 2 2\n";
-  const std::pair<std::string, std::size_t> documents[] = {
-      {box + "showpage" + next + "showpage", 2},
-      {box + "showpage" + next + box, 1},
-      {box + "showpage" + next + box + "showpage 9 200 9 9 rectfill showpage", 3},
-      {"save " + box + "restore showpage" + next + "save " + box + "showpage restore", 2},
-      {box + "copypage showpage", 2},
-      {"/wide 200 def " + box + "showpage" + next + "9 9 wide 9 rectfill showpage", 2},
-      {"%%BeginPageSetup\n<</PageSize[792 612]>>setpagedevice\n%%EndPageSetup\n%%EndPageSetup\n" +
-           box + "showpage" + next + box + "showpage",
-       2},
-      {"save<</PageSize[792 612]>>setpagedevice " + box + "showpage restore", 1},
-      {"gsave 2 2 scale 50 50 translate 0 0 9 9 rectclip " + box + "showpage grestore", 1},
-      {"before " + box + "restore/before save def showpage" + next + "before restore showpage", 2},
-      {"true setglobal 3 dict begin/ep{quit}def/bp/ep load def/page/ep load def " + box +
-           "/gsave/ep load def/show/ep load def/restore/ep load def/fffbp/ep load def showpage",
-       1},
-      {"%%EndPageSetup\n" + box + "showpage" + next + "%%EndPageSetup\ncount 0 gt{quit}if showpage",
-       2},
-      {box + "sp" + next + "sp" + next + box + "sp", 3},
-  };
-  ExpectSamePages(
-      "%!PS-Adobe-3.0\n/showpage/showpage load type/operatortype eq"
-      "{{late{systemdict/showpage get exec}if}}{/showpage load}ifelse def\n%%Page: 1 1\n"
-      "/late false def showpage/late true def " +
-          box + "showpage\n",
-      1);
-  for (const auto& [pages, count] : documents) {
-    SCOPED_TRACE(pages);
-    ExpectSamePages("%!PS-Adobe-3.0\n/sp{showpage}bind def/before save def\n%%Page: 1 1\n" + pages +
-                        "\n%%Trailer\n",
-                    count);
+  for (const std::string& line : GoldenLines("pages-by-hand.txt")) {
+    SCOPED_TRACE(line);
+    const std::size_t document = line.find("%!");
+    ExpectSamePages(line.substr(document), std::stoul(line), !line.starts_with("1 plain"));
   }
-  const std::string inProcedure = "/F{\n%%Page: 1 1\n" + box + "}def\n";
-  const std::string calls = "%%Page: 1 1\nF showpage" + next + "F F showpage\n";
-  ExpectSamePages("%!PS-Adobe-3.0\n" + inProcedure + calls, 2);
-  ExpectSamePages("%!PS-Adobe-3.0\n%%BeginProlog\n" + inProcedure + "%%EndProlog\n" + calls, 2);
-  ExpectSamePages("%!PS-Adobe-3.0\n%%BeginProlog\n%%Page: 1 1\n" + box +
-                      "systemdict/showpage get exec\n"
-                      "currentfile 0(%%EndBinary)/SubFileDecode filter flushfile\n"
-                      "%%BeginBinary: 16\n\nep\n%%Page: 1 1\n%%EndBinary\n",
-                  1, false);
 }
 
 }  // namespace

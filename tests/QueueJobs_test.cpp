@@ -9,6 +9,7 @@
 #include "queue/Composition.h"
 #include "queue/HeaderCheck.h"
 #include "queue/HeaderProof.h"
+#include "queue/SecretOptions.h"
 #include "queue/TicketKeys.h"
 #include "queue/TicketRows.h"
 #include "tests/support/GoldenFile.h"
@@ -54,11 +55,10 @@ std::string PPDWith(const std::string& model, const std::string& defaults) {
   std::string ppd = FileContent(PPD_DIR "/zelva-" + model + ".ppd");
   std::istringstream words(defaults);
   for (std::string word; words >> word;) {
-    const std::size_t equals = word.find('=');
-    const std::regex line("\\*Default" + word.substr(0, equals) + ": .*");
-    EXPECT_TRUE(std::regex_search(ppd, line)) << word;
-    ppd = std::regex_replace(ppd, line,
-                             "*Default" + word.substr(0, equals) + ": " + word.substr(equals + 1));
+    const std::string name = word.substr(0, word.find('='));
+    const std::regex line("\\*Default" + name + ": .*");
+    EXPECT_TRUE(std::regex_search(ppd, line)) << name;
+    ppd = std::regex_replace(ppd, line, "*Default" + name + ": " + word.substr(name.size() + 1));
   }
   return ppd;
 }
@@ -118,20 +118,6 @@ TEST(QueueJobs, SayWhatPeopleChoose) {
   }
 }
 
-// Values that would write a line of their own, end the header, or open a quote.
-const std::string kForgeries[] = {
-    "\"",
-    "a\" @PJL EOJ",
-    "x\r\n@PJL SET JOBATTR=\"@LUNA=root\"",
-    "\x1b%-12345X@PJL EOJ\n",
-    "/34/10/64/80/74/76/32/69/79/74/10",
-    "/27/37/45/49/50/51/52/53/88",
-    "\xc2\x9b",
-    std::string(1500, 'W'),
-    "Custom.\"",
-    "\t",
-};
-
 // Whatever a header holds, each of its lines is PJL's and ends as it should.
 void ExpectNoForgery(const std::string& header) {
   static const std::regex kLine(
@@ -154,16 +140,13 @@ TEST(QueueJobs, HoldNoForgery) {
     for (const std::string& key : TicketKeys()) names.insert(key.ends_with('_') ? key + "0" : key);
     for (const TicketRow& row : TicketRows()) names.insert(row.option);
     // What makes the fields of other tickets appear.
-    const std::vector<JobOption> kAlways = {{"ZLVAccounting", "User"},
-                                            {"ZLVPrintType", "Secure"},
-                                            {"ZLVOutputFace", "Off"},
-                                            {TICKET_KEY("XPIFCoverCountTicket"), "1"},
-                                            {TICKET_KEY("XPIFInsertionCountTicket"), "1"},
-                                            {TICKET_KEY("XPIFExceptionCountTicket"), "1"},
-                                            {"ZLVPBindPosition", "BindTop"}};
+    std::string always =
+        "ZLVAccounting=User ZLVPrintType=Secure ZLVOutputFace=Off ZLVPBindPosition=BindTop " +
+        Tickets("XPIFCoverCountTicket=1 XPIFInsertionCountTicket=1 XPIFExceptionCountTicket=1");
+    const std::vector<JobOption> kAlways = TakeJobOptions(always.data());
     int printed = 0;
     for (const std::string& name : names) {
-      for (const std::string& value : kForgeries) {
+      for (const std::string& value : GoldenLines("forgeries.txt")) {
         for (const std::string& entered : {value, "Custom." + value}) {
           SCOPED_TRACE(name + "=" + entered);
           std::vector<JobOption> options = {{name, entered}};
@@ -231,6 +214,27 @@ TEST(QueueJobs, HaveWholeHeaderLines) {
   for (const char* unfit : {"\"", "\n", "\x7f", "\xc2\x80", "\xc2\x9f"})
     EXPECT_FALSE(FitsHeader(unfit));
   for (const char* fit : {"", " ~", "\xc2\xa0", "\xc3\x80"}) EXPECT_TRUE(FitsHeader(fit));
+}
+
+TEST(QueueJobs, LeaveOutWhatBreaksAHeaderLine) {
+  const UsedPPD ppd(kUTF8PPD);
+  Arguments args("");
+  TicketList tickets;
+  for (const auto& [key, value] : {std::pair{"NumInSequenceSwitchTicket", "0"},
+                                   {"TabMarginSwitchTicket", "1"},
+                                   {"TabMarginMMShiftTicket", "1\"2"},
+                                   {"TrimmerSwitchTicket", "1"},
+                                   {"TrimmerMMCuttingSizeTicket", "3\"4"},
+                                   {"JBAAccountIDTextEditTicket", "98765"}}) {
+    tickets.add({std::string(TICKET_KEY("")) + key, value, key});
+  }
+  Complaints complaints;
+  ProveHeader(args, tickets, "collate", complaints);
+  EXPECT_EQ(complaints.warnings().size(), 2U);
+  EXPECT_EQ(complaints.failure(),
+            "JBAAccountIDTextEditTicket has no effect with the other choices");
+  EXPECT_EQ(BrokenLine(HeaderFor(args, tickets.optionsText("collate"))), "");
+  EXPECT_EQ(tickets.tickets()[0].source, "NumInSequenceSwitchTicket");
 }
 
 // Calls that are none, and what it says of itself.

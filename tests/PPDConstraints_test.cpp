@@ -59,6 +59,7 @@ TEST(PPDConstraints, PutIntoTheDocumentWhatIsChosen) {
     const PPD ppd = OpenPPD(model);
     ASSERT_TRUE(ppd);
     EXPECT_EQ(ppdConflicts(ppd.get()), 0) << model;
+    EXPECT_STREQ(ppdFindMarkedChoice(ppd.get(), "Collate")->code, "<</Collate true>>setpagedevice");
     ASSERT_EQ(ppd->num_filters, 1);
     EXPECT_TRUE(std::string(ppd->filters[0]).ends_with(" 0 cupstoxpjl")) << ppd->filters[0];
     for (auto* option = ppdFirstOption(ppd.get()); option; option = ppdNextOption(ppd.get())) {

@@ -89,10 +89,10 @@ TEST(InspectTool, ComparesTwoJobs) {
   const std::string insertion = "@PJL SET JOBATTR=\"@EIST=";
   const std::string two = folder.write("d", Job(insertion + "2\"\n" + insertion + "1\"\n"));
   const std::string three = folder.write(
-      "e", Job(insertion + "3\"\n" + insertion + "1\"\n", "%!PS\nshowpage\n%%Title: (x)\n"));
+      "e", Job(insertion + "3\"\n" + insertion + "1\"\n", "%!PS\nshowpage\n%%BeginFeature: *X\n"));
   EXPECT_EQ(Inspect({"--diff", two, three}).output,
             "Special pages\n  Insert after page: 2 -> 3\n\n"
-            "PostScript\n  Title: (not asked for) -> (x)\n");
+            "PostScript\n  Asks for: X: (not asked for) -> line 7\n");
 }
 
 // Whatever the tool writes as JSON is what the schema says, and nothing else.

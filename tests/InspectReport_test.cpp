@@ -162,6 +162,11 @@ TEST(Inspect, ReadsJobsInAnyPieces) {
       EXPECT_TRUE(report.trailer && report.postScript.closed) << size;
     }
   }
+  // The lines that are sent ahead of a spooled document's rest are not its own.
+  std::string document;
+  InPieces(kExit + "@PJL JOB MODE=PRINTER\r\n%!PS\n@PJL SET ECONOMODE=MODE2\nep\n", 1000,
+           [&](std::string_view bytes) { document += bytes; });
+  EXPECT_EQ(document, "%!PS\nep\n");
 }
 
 TEST(Inspect, JudgesSealedPasswords) {

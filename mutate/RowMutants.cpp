@@ -1,6 +1,7 @@
 // Rows: a line that is not written, or written too often, or in another place, or with another
 // value.
 
+#include <algorithm>
 #include <cstring>
 
 #include "engine/JobHeader.h"
@@ -34,6 +35,7 @@ bool Contradict(const ComparationItem& a, const ComparationItem& b) {
   return (pair(IntCampareFunc, IntCampareFunc) && !same) ||
          (pair(IntCampareFunc, IntNoEqualCampareFunc) && same) ||
          (pair(StrEqualCampareFunc, StrEqualCampareFunc) && !same) ||
+         (pair(StrContainCampareFunc, StrNotContainCampareFunc) && same) ||
          pair(StrNoNULLCampareFunc, StrIsNULLCampareFunc);
 }
 
@@ -59,6 +61,16 @@ bool NeverTogether(const PrtFmt& one, const PrtFmt& other) {
     }
   }
   return false;
+}
+
+// Whether the rows write the same.
+bool SameLine(const PrtFmt& one, const PrtFmt& other) {
+  if (std::strcmp(one.format, other.format) != 0) return false;
+  if (one.values == nullptr || other.values == nullptr) return one.values == other.values;
+  const std::span values(one.values->list, static_cast<std::size_t>(one.values->count));
+  return one.values->count == other.values->count &&
+         std::equal(values.begin(), values.end(), other.values->list,
+                    [](const CmdValue& a, const CmdValue& b) { return a.value == b.value; });
 }
 
 // Copies of a row's tests and values, for the rest of the process.
@@ -133,7 +145,10 @@ void AddTable(TableMutants& mutants, const RowTable& table) {
     AddBreak(mutants, name + " format", row.format);
     AddTestMutants(mutants, name, row);
     AddValueMutants(mutants, name, row);
-    if (i + 1 == table.rows.size() || NeverTogether(row, table.rows[i + 1])) continue;
+    if (i + 1 == table.rows.size() || NeverTogether(row, table.rows[i + 1]) ||
+        SameLine(row, table.rows[i + 1])) {
+      continue;
+    }
     AddExchange(mutants, name + " behind the next", row, table.rows[i + 1]);
   }
 }

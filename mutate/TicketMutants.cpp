@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "FilterFrame/Source/JobState.h"
+#include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
 #include "mutate/TableMutants.h"
 #include "queue/TicketRows.h"
@@ -11,6 +13,9 @@ namespace {
 
 // Whether anything depends on what the ticket says.
 bool IsUsed(const TicketData& row) {
+  const void* const kept[] = {StdLayoutInfo, StdLayoutDirectionInfo, StdLayoutRowInfo,
+                              StdLayoutColumnInfo};  // no line asks for them
+  if (std::ranges::count(kept, row.destination) > 0) return false;
   return std::ranges::none_of(UnusedRows(), [&](const UnusedRow& unused) {
     return std::strcmp(unused.ticket, row.key) == 0 &&
            (std::string_view(unused.why).starts_with("read, not used") ||

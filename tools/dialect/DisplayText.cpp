@@ -64,9 +64,12 @@ void Walk(std::string_view bytes, Charset charset, Character character, Rubbish 
   }
 }
 
-// The end of a secret that begins at `from`: its quote, its line, or its last Base64 character.
+// The end of a secret that begins at `from`: its line's last quote, or the end of its line or of
+// what is left of it in front of another. It may hold quotes itself.
 std::size_t EndOfSecret(std::string_view bytes, std::size_t from) {
-  return std::min(bytes.find_first_of("\"\r\n", from), bytes.size());
+  std::string_view rest = bytes.substr(from);
+  rest = rest.substr(0, std::min(rest.find_first_of("\r\n"), rest.find("@PJL ")));
+  return from + std::min(rest.rfind('"'), rest.size());
 }
 
 // Whether `before`, which ends in the equals sign, ends in the name of a secret.

@@ -23,8 +23,7 @@ namespace {
 constexpr int kMutantDescriptor = 99;  // a file with the mutant's number, which filters inherit
 constexpr int kNone = -1;
 // They say nothing of tables that quicker ones do not.
-constexpr char kSlowTests[] =
-    "-QueueJobs.HoldNoForgery:Decomposed.Random*:Decomposed.LongLines*:JobCopy.*";
+constexpr char kSlowTests[] = "-QueueJobs.HoldNoForgery:Decomposed.LongLines*:JobCopy.*";
 constexpr unsigned kPatience = 120;  // seconds; a program that hangs has been noticed
 
 void SayMutant(int number) {

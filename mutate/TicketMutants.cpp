@@ -28,9 +28,8 @@ constexpr TicketGetter* kTextGetters[] = {GetTicketStringConvertedToPrtLang,
                                           GetTicketStringConvertedToPrtLangForUTF8, GetTicketString,
                                           GetTicketStringConvertedToPPDEncodingString};
 
-// Whether the text goes to the printer as it is, rather than being compared with words.
+// Whether a row's line holds the text as it is, rather than words that it is compared with.
 bool IsPrinted(const TicketData& row) {
-  if (std::string_view(row.key).find("WMARK") != std::string_view::npos) return true;
   for (const RowTable* table : RowTables()) {
     for (const PrtFmt& line : table->rows) {
       for (std::int32_t i = 0; line.values != nullptr && i < line.values->count; i++) {
@@ -50,7 +49,11 @@ void AddGetters(TableMutants& mutants, const std::string& name, const TicketData
     return AddChange(mutants, name + " getter", row.getter, GetNumberUpTicketStringForComment);
   if (row.getter == GetNumberUpTicketStringForComment)
     return AddChange(mutants, name + " getter", row.getter, GetNumberUpTicketString);
-  if (!IsPrinted(row)) return AddChange(mutants, name + " getter", row.getter, GetTicketInteger);
+  // A watermark's line is far shorter than its texts can be.
+  const std::string_view key = row.key;
+  const bool stamped = key.ends_with("WMARKTextTicket") || key.ends_with("WMARKFontTicket");
+  if (!IsPrinted(row) && !stamped)
+    return AddChange(mutants, name + " getter", row.getter, GetTicketInteger);
   for (TicketGetter* other : std::span(kTextGetters).first(2)) {
     if (row.getter != other) AddChange(mutants, name + " getter", row.getter, other);
   }

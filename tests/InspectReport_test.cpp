@@ -180,6 +180,9 @@ TEST(Inspect, JudgesSealedPasswords) {
   const auto with = [&](std::size_t at, int value) {
     return std::string(blob).replace(at, 1, 1, static_cast<char>(value));
   };
+  // One of 256 damaged ends looks like the end of a password.
+  int end = blob.back() + 1;
+  while (PasswordInBlob(with(blob.size() - 1, end), key.get()) && end < blob.back() + 256) end++;
   std::string cut = with(2, blob[2] - 1).replace(6, 1, 1, static_cast<char>(blob[6] - 1));
   cut.pop_back();
   const struct {
@@ -198,7 +201,7 @@ TEST(Inspect, JudgesSealedPasswords) {
       {with(12, 1), "its header holds unknown values"},
       {cut, "it is cut off"},
       {with(16, blob[16] + 1), "for another key than the one given"},
-      {with(blob.size() - 1, blob.back() + 1), "it does not open with its own key"},
+      {with(blob.size() - 1, end), "it does not open with its own key"},
   };
   for (const auto& row : rows) {
     const std::string text = row.blob.empty() ? "!" : Base64(row.blob);

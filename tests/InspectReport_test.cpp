@@ -109,6 +109,7 @@ TEST(Inspect, WritesWholeReports) {
   const JobReport report = ReportOf(job);
   EXPECT_EQ(TextReport("\033[1m\xff", report, {}), FileContent(TEST_DATA_DIR "/inspection.txt"));
   EXPECT_EQ(JsonReport("\033[1m\xff", report, {}), FileContent(TEST_DATA_DIR "/inspection.json"));
+  EXPECT_TRUE(Contains(JsonReport("job", ReadJob(Job("")), {}), "\"ISO-8859-1\""));
 }
 
 // Wherever a job breaks off something is wrong with it, and endless ones are reported shortly.

@@ -156,6 +156,8 @@ TEST(InspectTool, FitsATerminal) {
       ForTerminal("job\n" + first + " " + second + " seven\n  " + std::string(90, 'x'), false),
       "job\n" + first + "\n      " + second + "\n      seven\n  " + std::string(78, 'x') +
           "\n      " + std::string(12, 'x') + "\n");
+  const std::string word = std::string(70, 'x');
+  EXPECT_EQ(ForTerminal(word + " " + word, false), word + "\n      " + word + "\n");
   EXPECT_EQ(ForTerminal("job: nothing wrong\nIdentity\n  x\n", true),
             "\033[1mjob: nothing wrong\033[0m\n\033[1mIdentity\033[0m\n  x\n");
   EXPECT_EQ(ForTerminal("job: 1 problem\nProblems\n  x\n", true),

@@ -112,6 +112,7 @@ TEST(PasswordTool, PrintsTheTicketValueOfTheFirstLine) {
       {std::string(256, 'x') + "\n", "", "xpjl-password: the password is longer than 255 bytes\n"},
       {std::string(70000, 'x'), "", "xpjl-password: the password is longer than 255 bytes\n"},
       {"\n", "", "xpjl-password: the password is empty\n"},
+      {"\r\n", "", "xpjl-password: the password is empty\n"},
       {"", "", "xpjl-password: there is no password on standard input\n"},
   };
   for (const auto& row : rows) {

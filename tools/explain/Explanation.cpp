@@ -37,9 +37,8 @@ std::vector<std::string> TicketsOf(const Outcome& outcome) {
 
 std::vector<std::string> MarksOf(const Outcome& outcome) {
   std::vector<std::string> marks;
-  for (const auto& [option, choice] : outcome.marks) {
-    marks.push_back(option + "=" + choice);
-  }
+  for (const auto& [option, choice] : outcome.marks)
+    marks.emplace_back(option).append("=").append(choice);
   return marks;
 }
 

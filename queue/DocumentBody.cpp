@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -83,7 +84,7 @@ ssize_t DocumentBody::readHead() {
   if (!decided && held_.size() <= kLongestHead) return 0;
   phase_ = Phase::kBody;
   held_.resize(scan(held_.data(), held_.size()));
-  pending_ = std::move(held_);
+  pending_ = std::exchange(held_, {});
   return 0;
 }
 

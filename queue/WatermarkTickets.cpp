@@ -29,12 +29,12 @@ constexpr std::size_t kLongestShown = kLineSize - 1 - kShow.size();
 
 struct Glyph {
   char32_t character;
-  const char* name;
   int width;  // in thousandths of the font size
+  const char* name;
 };
 
 constexpr Glyph kGlyphs[] = {
-#define GLYPH(character, name, width) {character, name, width},
+#define GLYPH(character, name, width) {character, width, name},
 #include "queue/HelveticaBold.def"
 #undef GLYPH
 };
@@ -78,15 +78,19 @@ double FittingSize(double width, double angle, PageSize page) {
   return std::clamp(std::floor(size), kSmallest, kLargest);
 }
 
+double Number(const std::string& text) {
+  return std::strtod(text.c_str(), nullptr);
+}
+
 double FontSize(const Choices& choices, const TicketList& tickets, double width, PageSize page) {
   if (const std::string* given = tickets.find(TICKET_KEY("WMARKFontSizeTicket"))) {
-    return std::atof(given->c_str());
+    return Number(*given);
   }
   const Choice size = choices.choice("ZLVWatermarkSize");
-  if (size.keyword == "Custom") return std::atof(size.entered.c_str());
-  if (!size.keyword.empty() && size.keyword != "Fit") return std::atof(size.keyword.c_str());
+  if (size.keyword == "Custom") return Number(size.entered);
+  if (!size.keyword.empty() && size.keyword != "Fit") return Number(size.keyword);
   const std::string* angle = tickets.find(TICKET_KEY("WMARKAngleTicket"));
-  return FittingSize(width, angle != nullptr ? std::atof(angle->c_str()) : 0, page);
+  return FittingSize(width, angle != nullptr ? Number(*angle) : 0, page);
 }
 
 bool IsFontName(std::string_view name) {

@@ -223,6 +223,7 @@ TEST_P(Surroundings, AReaderMayStopAndThenGoOnOrCancelOrDie) {
     const FilterResult result = filter.drain();
     EXPECT_TRUE(Body(result.output) == c.body) << c.reader;
     EXPECT_EQ(result.exitStatus, c.exitStatus) << c.reader;
+    EXPECT_EQ(result.messages.find("ERROR"), std::string::npos) << result.messages;
     EXPECT_TRUE(job.leavesNothing()) << c.reader;
   }
 }

@@ -151,9 +151,21 @@ bool Explainer::isGivenLater(std::size_t index) const {
                      [&](const JobOption& o) { return SameName(o.name, given_[index].name); });
 }
 
+// The attribute that stands for the option, and that the queue filter drops for it: without the
+// option it would take its place, and the option would seem to do nothing.
+std::size_t Explainer::outrankedBy(std::size_t index) const {
+  const JobOption& option = given_[index];
+  if (SameName(option.value, "None")) return kAll;
+  const auto attribute = std::ranges::find_if(given_, [&](const JobOption& other) {
+    return !SameName(other.name, option.name) && SameName(ActingName(other.name), option.name);
+  });
+  if (attribute == given_.end()) return kAll;
+  return static_cast<std::size_t>(attribute - given_.begin());
+}
+
 // What the option changes in the job.
 void Explainer::compare(std::size_t index, OptionExplanation& found) const {
-  const Outcome without = trial_.run(options(index));
+  const Outcome without = trial_.run(options(index, outrankedBy(index)));
   if (!job_.failure.empty()) {
     const bool blamed = job_.failure != without.failure;
     found.why.push_back((blamed ? "Nothing is printed because of it: "

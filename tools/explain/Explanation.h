@@ -64,6 +64,7 @@ class Explainer {
 
   std::vector<JobOption> options(std::size_t without, std::size_t alsoWithout = kAll) const;
   bool isGivenLater(std::size_t index) const;
+  std::size_t outrankedBy(std::size_t index) const;
   std::string rivalOf(std::size_t index) const;
   void compare(std::size_t index, OptionExplanation& found) const;
   bool explainRival(std::size_t index, OptionExplanation& found) const;

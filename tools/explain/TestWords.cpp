@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
 #include "engine/TicketStore.h"
 #include "queue/TicketList.h"
 #include "queue/TicketRows.h"
@@ -76,7 +77,7 @@ std::string WaysToSet(std::string_view key, std::string_view value) {
     if (std::ranges::find(ways, way) == ways.end()) ways.push_back(way);
   };
   for (const TicketRow& row : TicketRows()) {
-    if (key != row.ticket) continue;
+    if (key != row.ticket || ppdFindOption(JobPPD(), row.option) == nullptr) continue;
     if (value.empty()) {
       add(row.option);
     } else if (row.making == Making::kWord && value == row.word) {

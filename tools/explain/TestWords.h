@@ -11,5 +11,5 @@
 std::string TestInWords(const ComparationItem& test, std::string_view source);
 
 // The options by which a user gives the ticket this value, joined by "or"; the ticket itself where
-// no option does. An empty value stands for any.
+// the job's printer has no such option. An empty value stands for any.
 std::string WaysToSet(std::string_view key, std::string_view value);

@@ -8,6 +8,7 @@
 #include "modules/quality/Quality.h"
 #include "modules/specialpages/SpecialPages.h"
 #include "tests/support/SampleJobs.h"
+#include "tools/dialect/ByteSearch.h"
 #include "tools/inspect/JobReader.h"
 
 // The filter's rows, and the lines of features, each in a job: the inspector finds nothing in it
@@ -71,4 +72,16 @@ TEST(Dialect, KnowsEveryNameInTheSourcesAndNoOther) {
   written.insert({"JOB MODE", "ENTER LANGUAGE", "EOJ"});
   for (const std::string& code : codes) EXPECT_TRUE(written.contains(code)) << code;
   EXPECT_GT(literals.size(), 50u);
+}
+
+// A line may begin where the bytes at hand do: only the byte ahead of them tells.
+TEST(Dialect, FindsLinesAtTheirBeginOnly) {
+  const struct {
+    std::string bytes;
+    char before;
+    std::size_t at;
+  } rows[] = {{"@PJL A", '\n', 0}, {"@PJL A", 'x', std::string::npos}, {"x@PJL A\r@PJL B", 'x', 8}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(FindPJLLine(row.bytes, row.before), row.at) << row.bytes << row.before;
+  }
 }

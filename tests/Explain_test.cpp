@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "tests/support/GoldenFile.h"
 #include "tests/support/Tickets.h"
@@ -74,6 +75,7 @@ TEST(Explain, RemarksOnWhatTheQueueAdds) {
 // Whatever the job is: each row is named for its line, with just those tests that do not hold.
 TEST(Explain, NamesEveryRowAndTheTestsThatFailed) {
   std::size_t written = 0, failed = 0;
+  std::set<std::string> said;
   for (const char* options :
        {"", "ZLVPrintPassword=Custom.1 ZLVAccountPassword=Custom.2 ZLVStorageID=Custom.s",
         "ZLVPrintType=Sample ZLVAccounting=Administrator ZLVAccountUser=Custom.pat",
@@ -103,12 +105,14 @@ TEST(Explain, NamesEveryRowAndTheTestsThatFailed) {
       }
       for (const std::string& why : row->failed) {
         failed++;
+        said.insert(why);
         EXPECT_EQ(why.find("xpjlOption"), why.npos) << name.name << ": " << why;
       }
     }
   }
   EXPECT_GT(written, 60u);
   EXPECT_GT(failed, 1000u);
+  EXPECT_TRUE(said.contains("it counts only in a job without JBAUserIDTextEditTicket"));
 }
 
 // The program: exit statuses, what it composes, the job it compares with, and no password anywhere.
@@ -178,6 +182,9 @@ TEST(Explain, AnswersScripts) {
   const std::string file = folder.write("job", printed.insert(printed.find("@PJL SET"), address));
   const ToolResult same = run({"-o", secret, "--job", file});
   EXPECT_EQ(same.status, 0) << same.output;
+  const std::string toner = "@PJL SET ECONOMODE=OFF\n";
+  const std::string doubled = folder.write("doubled", Replaced(printed, toner, toner + toner));
+  EXPECT_EQ(run({"-o", secret, "--job", doubled}).status, 1);
   const ToolResult other = run({"-o", secret, "-o", "ZLVStaple=LeftDouble", "--job", file});
   EXPECT_EQ(other.status, 1);
   EXPECT_NE(other.output.find("The job is another one:\n    it lacks\n"

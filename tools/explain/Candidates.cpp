@@ -74,7 +74,7 @@ std::vector<TicketSetting> SettingsOf(const std::string& key, const Choices& cho
   std::vector<TicketSetting> settings;
   for (const TicketRow& row : TicketRows()) {
     if (key != row.ticket || row.making != Making::kWord || *row.word == '\0') continue;
-    if (choices.offers(row.option) && std::string_view(row.choice) != kAny) {
+    if (choices.offers(row.option, row.choice)) {
       settings.push_back({row.word, std::string(row.option) + "=" + row.choice});
     }
   }
@@ -82,9 +82,7 @@ std::vector<TicketSetting> SettingsOf(const std::string& key, const Choices& cho
     std::string words = key;
     words.append("=").append(choice);
     const auto spelt = std::ranges::find(settings, words, &TicketSetting::words);
-    if (spelt == settings.end() && choice != "Custom") {
-      settings.push_back({choice, words});
-    }
+    if (spelt == settings.end()) settings.push_back({choice, words});
   }
   return settings;
 }

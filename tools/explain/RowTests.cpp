@@ -148,7 +148,7 @@ std::vector<RowName> RowNames() {
 std::string TicketKeyOfField(const void* field) {
   std::string key;
   ForEachTicket([&](const TicketData& row) {
-    if (row.destination == field && key.empty()) key = row.key;
+    if (row.destination == field) key = row.key;
   });
   return key;
 }

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr std::size_t kMostWays = 3;
-
 // What the filter itself knows of a job, by the names of its buffers.
 constexpr struct {
   std::string_view buffer;
@@ -34,7 +32,7 @@ std::string_view Operand(std::string_view source) {
 
 std::string Joined(const std::vector<std::string>& words) {
   std::string text;
-  for (std::size_t i = 0; i < std::min(words.size(), kMostWays); i++) {
+  for (std::size_t i = 0; i < words.size(); i++) {
     if (i > 0) text += " or ";
     text += words[i];
   }

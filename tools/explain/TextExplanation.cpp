@@ -21,8 +21,7 @@ std::string Beside(const std::string& words, const std::string& line) {
 void AddLines(std::string& text, const char* title, const std::vector<std::string>& lines) {
   if (!lines.empty()) text += std::string("    ") + title + "\n";
   for (const std::string& line : lines) {
-    const std::string words = LineInWords(line);
-    Add(text, "      ", words.empty() ? line : Beside(words, line));
+    Add(text, "      ", Beside(LineInWords(line), line));
   }
 }
 

@@ -87,7 +87,7 @@ std::string Trial::composed(const std::vector<JobOption>& options) const {
   Arguments args(facts);
   Composition composition(ppd_, facts, options);
   composition.compose(args.get());
-  return composition.complaints().failed() ? "" : composition.optionsText();
+  return composition.optionsText();
 }
 
 std::vector<std::string> Trial::linesOf(const Outcome& outcome, std::string_view key,

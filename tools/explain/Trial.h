@@ -31,7 +31,7 @@ class Trial {
   Outcome run(const std::vector<JobOption>& options) const;
 
   // What it says to be handed to another program: the composed options' text. Holds passwords in
-  // their stored form.
+  // their stored form. Nobody may print it where run() tells of a failure.
   std::string composed(const std::vector<JobOption>& options) const;
 
   // The lines that the filter writes for these tickets, of which `key` is left out, or set where

@@ -79,6 +79,8 @@ TEST(Decomposed, FeatureLinesAndSettingsLines) {
     #OutputMode 600x600|#TonerSaver Mode2->@TRAP=OFF @PSBR=0 @RGBP=SRGB @RGBG=22 ECONOMODE=OFF
       RESOLUTION=600 BITSPERPIXEL=1 @DRDM=RASTER ECONOMODE=MODE2;
     #Halftone Fineness->@TRAP=OFF @PSBR=0 @RGBP=SRGB @RGBG=22 ECONOMODE=OFF;)");
+  Check("*ColorDevice: True\n", R"(
+    #Halftone Fineness->@TRAP=OFF @GRGU=OFF @PSBR=0 @RGBP=SRGB @RGBG=22 ECONOMODE=OFF;)");
   Check("*ColorDevice: False\n", R"(
     #Halftone Fineness|#Halftone Other|#TonerSaver Mode2|#Halftone Gradation->
       @TTRC=64 @GTRC=64 @ITRC=64 @TSCR=64 @GSCR=64 @ISCR=64 ECONOMODE=MODE2

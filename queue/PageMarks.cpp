@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "queue/PageMarksProlog.h"
 
@@ -305,18 +306,15 @@ ssize_t PageMarks::refill() {
 // Moves what is held to the front, with the byte before it, and makes the window larger when it is
 // full: only while the head is held.
 void PageMarks::makeRoom() {
-  char* front = window_.get();
-  std::unique_ptr<char[]> larger;
   const std::size_t size = held();
-  if (size == capacity_) {
-    larger.reset(new char[1 + 2 * capacity_]);
-    capacity_ *= 2;
-    front = larger.get();
-  }
   const std::ptrdiff_t scanned = scan_ - begin_;
-  if (begin_ - 1 != front) std::memmove(front, begin_ - 1, size + 1);
-  if (larger) window_ = std::move(larger);
-  begin_ = front + 1;
+  std::unique_ptr<char[]> full;  // until its bytes have moved
+  if (size == capacity_) {
+    full = std::exchange(window_, std::unique_ptr<char[]>(new char[1 + 2 * capacity_]));
+    capacity_ *= 2;
+  }
+  if (begin_ - 1 != window_.get()) std::memmove(window_.get(), begin_ - 1, size + 1);
+  begin_ = window_.get() + 1;
   end_ = begin_ + size;
   scan_ = begin_ + scanned;
   ready_ = begin_;

@@ -75,6 +75,37 @@ bool AnyBegins(const Lines& lines, const std::string& with) {
                              [&](const std::string& line) { return line.starts_with(with); });
 }
 
+// The tickets of a job for a model with these options, or why it is not printed.
+Lines TicketsOf(const std::string& model, std::string options) {
+  CloseJobPPD();
+  setenv("PPD", (PPD_DIR "/zelva-" + model + ".ppd").c_str(), 1);
+  Composition composition(JobPPD(), {"sam", "Title", "1"}, TakeJobOptions(options.data()));
+  composition.compose(Arguments(""));
+  if (composition.complaints().failed()) return {"! " + composition.complaints().failure()};
+  Lines tickets;
+  for (const JobTicket& ticket : composition.tickets().tickets())
+    tickets.push_back(ShortKey(ticket.key) + "=" + (ticket.secret ? "(hidden)" : ticket.value));
+  return tickets;
+}
+
+TEST(QueueJobs, BecomeTheseTickets) {
+  for (const std::string& line : GoldenLines("choices.txt")) {
+    const std::size_t blank = line.find(' '), arrow = line.find(" ->");
+    const std::string model = line.substr(0, blank);
+    const Lines plain = blank == arrow ? Lines() : TicketsOf(model, "");
+    const Lines made = TicketsOf(model, line.substr(blank, arrow - blank));
+    std::string said;
+    for (const std::string& ticket : made)
+      if (!std::ranges::count(plain, ticket)) said += " " + ticket;
+    const bool isPrinted = made.empty() || !made[0].starts_with('!');
+    for (const std::string& ticket : plain)
+      if (isPrinted && !std::ranges::count(made, ticket)) said += " -" + ticket;
+    EXPECT_EQ(said, line.substr(arrow + 3)) << line;
+  }
+  unsetenv("PPD");
+  CloseJobPPD();
+}
+
 TEST(QueueJobs, SayWhatPeopleChoose) {
   const ScratchFolder folder;
   for (const QueueJob& wish : QueueJobs()) {

@@ -182,7 +182,8 @@ class Faults(Queue):
                 self.cups.run("cancel", str(job))
                 self.printer.ready.set()
                 printed = self.printer.take(number)[-1]
-                self.assertTrue(printed.endswith(b"\n" + TRAILER), printed[-60:])
+                # Where CUPS's own filter was quicker to stop, the document just ends early.
+                self.assertRegex(printed[-60:], b"\n\4?" + re.escape(TRAILER) + b"$")
                 self.assertTrue(0 < printed.count(b"\nep\n") < pages, printed.count(b"\nep\n"))
                 if more == DIRECT:
                     body = printed[:-len(TRAILER)]

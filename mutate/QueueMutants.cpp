@@ -44,6 +44,18 @@ void AddQueueMutants(TableMutants& mutants) {
     AddChange(mutants, name + " form", row.form,
               row.form == Making::kNumber ? Making::kDigits : Making::kNumber);
   }
+  for (const RangeRow& row : RangeRows()) {
+    const std::string name = std::string("range ") + row.ticket;
+    AddBreak(mutants, name + " ticket", row.ticket);
+    AddChange(mutants, name + " least", row.least, row.least - 1);
+    AddChange(mutants, name + " most", row.most, row.most + 1);
+  }
+  for (const FieldsRow& row : FieldsRows()) {
+    const std::string name = std::string("fields ") + row.prefix;
+    AddBreak(mutants, name + " prefix", row.prefix);
+    AddChange(mutants, name + " number", row.fields, row.fields + 1);
+    AddChange(mutants, name + " from inserter", row.fieldsFromInserter, row.fieldsFromInserter - 1);
+  }
   for (const AttributeRow& row : AttributeRows()) {
     AddBreak(mutants, std::string("attribute ") + row.attribute, row.attribute);
     AddBreak(mutants, std::string("attribute's option ") + row.attribute, row.option);

@@ -75,7 +75,8 @@ bool AnyBegins(const Lines& lines, const std::string& with) {
                              [&](const std::string& line) { return line.starts_with(with); });
 }
 
-// The tickets of a job for a model with these options, or why it is not printed.
+// The tickets of a job for a model with these options and what is warned of, or why nothing is
+// printed.
 Lines TicketsOf(const std::string& model, std::string options) {
   CloseJobPPD();
   setenv("PPD", (PPD_DIR "/zelva-" + model + ".ppd").c_str(), 1);
@@ -85,6 +86,8 @@ Lines TicketsOf(const std::string& model, std::string options) {
   Lines tickets;
   for (const JobTicket& ticket : composition.tickets().tickets())
     tickets.push_back(ShortKey(ticket.key) + "=" + (ticket.secret ? "(hidden)" : ticket.value));
+  for (const std::string& warning : composition.complaints().warnings())
+    tickets.push_back("? " + warning);
   return tickets;
 }
 
@@ -93,7 +96,8 @@ TEST(QueueJobs, BecomeTheseTickets) {
     const std::size_t blank = line.find(' '), arrow = line.find(" ->");
     const std::string model = line.substr(0, blank);
     const Lines plain = blank == arrow ? Lines() : TicketsOf(model, "");
-    const Lines made = TicketsOf(model, line.substr(blank, arrow - blank));
+    const Lines made =
+        TicketsOf(model, Replaced(line.substr(blank, arrow - blank), "...", TICKET_KEY("")));
     std::string said;
     for (const std::string& ticket : made)
       if (!std::ranges::count(plain, ticket)) said += " " + ticket;

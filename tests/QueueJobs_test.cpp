@@ -124,7 +124,8 @@ TEST(QueueJobs, SayWhatPeopleChoose) {
     job.environment["CONTENT_TYPE"] = wish.fact("type", "application/pdf");
     const std::string model = wish.fact("model", "atelier-c90");
     if (model != "none") {
-      job.environment["PPD"] = folder.write("test.ppd", PPDWith(model, wish.fact("default", "")));
+      const std::string ppd = PPDWith(model, wish.fact("default", "")) + wish.fact("line", "");
+      job.environment["PPD"] = folder.write("test.ppd", ppd);
     }
     const FilterResult result = RunFilter(job);
     const Lines printed = LinesOf(WithOpenedPasswords(result.output));

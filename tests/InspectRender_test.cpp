@@ -47,13 +47,17 @@ TEST(InspectRender, RendersPages) {
       RunTool(INSPECT_BINARY, {plain, "--png", folder.path()}, "", "PATH=/nowhere");
   EXPECT_EQ(missing.status, 3);
   EXPECT_TRUE(Contains(missing.messages, "Ghostscript (gs) was not found"));
-  const std::string broken = folder.write("broken", Job("", "%!PS\n(no end\n"));
+  const std::string broken = folder.write(
+      "broken", Job("", "%!PS\n(%stderr)(w)file dup(Hello\n)writestring flushfile\n(no end\n"));
   const ToolResult refused = Inspect({broken, "--png", folder.path()});
   EXPECT_EQ(refused.status, 1);
   EXPECT_TRUE(Contains(refused.messages, "does not like the document: Error: /syntaxerror"));
-  const std::string rest = "quit\n" + Repeat("% what nobody reads any more\n", 10'000);
-  EXPECT_EQ(
-      Inspect({folder.write("quits", Job("", "%!PS\n" + rest)), "--png", folder.path()}).status, 0);
+  // Neither waits for the other: a large picture comes while much of the document is unread.
+  const std::string rest = Repeat("% what nobody reads any more\n", 5'000);
+  const std::string noise =
+      "0 2 842{0 2 596{1 index rand 255 mod 255 div setgray 2 2 rectfill}for pop}for showpage\n";
+  const std::string quits = "%!PS\n" + rest + noise + "quit\n" + rest;
+  EXPECT_EQ(Inspect({folder.write("quits", Job("", quits)), "--png", folder.path()}).status, 0);
 }
 
 // What Ghostscript could write, byte by byte: whole pictures become files, of others nothing stays.

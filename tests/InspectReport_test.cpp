@@ -1,8 +1,10 @@
 // What the inspector says of jobs: those of tests/data/inspections.txt, and of cut, endless and
 // broken ones.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <openssl/rsa.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <map>
@@ -120,6 +122,12 @@ TEST(Inspect, StandsWhateverComes) {
   for (std::size_t length = 0; length < job.size(); length++) {
     EXPECT_FALSE(ReadJob(std::string_view(job).substr(0, length)).problems.empty()) << length;
   }
+  // A file of which somebody has read a part.
+  const ScratchFolder folder;
+  const int file = open(folder.write("jobs", "%%EOF\n" + job).c_str(), O_RDONLY);
+  lseek(file, 6, SEEK_SET);
+  EXPECT_EQ(TextReport("job", ReadJob(file, {}), {}), TextReport("job", ReadJob(job), {}));
+  close(file);
   const JobReport endless = ReadJob(Job("@PJL " + std::string(3'000'000, '@') + "\n"));
   EXPECT_TRUE(FirstProblem(endless).starts_with("line 2: a line of 3000006 bytes, longer than"));
   EXPECT_LT(FirstProblem(endless).size(), 250u);

@@ -138,11 +138,14 @@ TEST_P(Surroundings, ASignalInFrontOfTheHeaderPrintsNothing) {
 
 #ifdef __linux__
 TEST_P(Surroundings, ACancelledJobEndsAtAPageOrWithItsInput) {
+  const std::string noEnd =
+      "%%BeginProlog\n%%EndProlog\n%%EndSetup\nuserdict/setpagedevice{pop}bind put\nbp\n"
+      "%%EndPageSetup\n";
   const struct {
     std::string before, after;  // the signal, of the input
     std::string plain, decomposed;
   } cases[] = {
-      {"", "one\nbp\nep\ntwo\n", "one\nbp\n", "(nothing)"},
+      {"", noEnd + "ep\ntwo\n", noEnd, "(nothing)"},
       {"", "", "\x04", ""},
       {"%!PS\n%%EndProlog\n", "one\nep\ntwo\n", "%!PS\n%%EndProlog\none\n", "(nothing)"},
       {"one\nsho", "wpage\ntwo\n", "one\n", "(nothing)"},

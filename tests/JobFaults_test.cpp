@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -76,22 +78,45 @@ class JobCopy : public testing::Test {
  protected:
   void SetUp() override {
     if (fs::exists(FlagPath)) GTEST_SKIP() << "the job copy is in use on this machine";
-    for (fs::path folder = fs::path(FlagPath).parent_path(); !fs::exists(folder);
-         folder = folder.parent_path()) {
-      created_.push_back(folder);
-    }
+    for (fs::path path = FlagPath; !fs::exists(path); path = path.parent_path())
+      created_.push_back(path);
+    startCleaner();
     std::error_code error;
     fs::create_directories(fs::path(FlagPath).parent_path(), error);
     const int fd = open(FlagPath, O_CREAT | O_EXCL | O_WRONLY, 0600);
     if (fd < 0) GTEST_SKIP() << "no right to create " << FlagPath;
     close(fd);
-    created_.insert(created_.begin(), FlagPath);
   }
-  // Innermost first.
   void TearDown() override {
-    std::error_code error;
-    for (const fs::path& path : created_) fs::remove(path, error);
+    char byte;
+    if (created_.empty()) return;
+    shutdown(cleaner_[0], SHUT_WR);
+    EXPECT_EQ(read(cleaner_[0], &byte, 1), 0);  // when all is gone
+    close(cleaner_[0]);
   }
+
+ private:
+  // A process of its own takes away what has been created, even of a test that is killed.
+  void startCleaner() {
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, cleaner_), 0);
+    fcntl(cleaner_[0], F_SETFD, FD_CLOEXEC);
+    const pid_t parent = fork();
+    if (parent == 0) {
+      setsid();  // lest it be killed with the test
+      if (fork() > 0) _exit(0);
+      close(cleaner_[0]);
+      char byte;
+      std::error_code error;
+      while (read(cleaner_[1], &byte, 1) < 0 && errno == EINTR) {
+      }
+      for (const fs::path& path : created_) fs::remove(path, error);  // innermost first
+      _exit(0);
+    }
+    close(cleaner_[1]);
+    waitpid(parent, nullptr, 0);
+  }
+
+  int cleaner_[2];
   std::vector<fs::path> created_;
 };
 

@@ -135,7 +135,7 @@ void DocumentComments::pageDeviceEntry(std::string_view text, std::uint64_t numb
 
 // `line` up to the operator: one or several dictionaries.
 void DocumentComments::pageDevice(std::string_view line, std::uint64_t number) {
-  if (line.find('%') != line.npos && line.find("<<") == line.npos) return;
+  if (line.substr(0, line.find("<<")).find('%') != line.npos) return;  // a comment
   for (std::size_t at = line.find('/'); at != line.npos; at = line.find('/', at + 1)) {
     pageDeviceEntry(line.substr(at + 1), number);
   }

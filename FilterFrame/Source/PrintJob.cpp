@@ -2,9 +2,6 @@
 
 #include "FilterFrame/Source/PrintJob.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -18,20 +15,13 @@
 #include "FilterFrame/Source/UtilityFunctionFilter/HostIdentity.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 #include "FilterFrame/Source/UtilityFunctionFilter/PPDAccess.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/StandardDescriptors.h"
 #include "engine/JobHeader.h"
 #include "engine/ModuleDispatch.h"
 
 namespace {
 
 constexpr std::size_t kOutputBufferSize = 8 * 1024;
-
-// Takes closed standard descriptors, each in the direction that makes its use fail, so that no file
-// the job opens can be mistaken for one of them.
-void OccupyStandardDescriptors() {
-  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
-    if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-  }
-}
 
 // Standard output hands on whole blocks; it is flushed where the next program should see more.
 void BufferOutput() {

@@ -2,27 +2,20 @@
 
 #include "tools/dialect/ToolProgram.h"
 
-#include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 
+#include "FilterFrame/Source/UtilityFunctionFilter/StandardDescriptors.h"
 #include "secblobenc/WipedMemory.h"
 #include "tools/dialect/DisplayText.h"
 
 namespace {
 
 const char* toolName = "";
-
-// Takes closed standard descriptors, each in the direction that makes its use fail, so that no file
-// or pipe opened later can be mistaken for one of them.
-void OccupyStandardDescriptors() {
-  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; fd++) {
-    if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-  }
-}
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 // xpjl-password: turns a password into the ticket value that the filter opens.
 
-#include <fcntl.h>
 #include <openssl/crypto.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 #include <string>
 
 #include "DeploymentData.h"
+#include "FilterFrame/Source/UtilityFunctionFilter/StandardDescriptors.h"
 #include "deployment/DeploymentInfo.h"
 #include "engine/StoredPassword.h"
 #include "secblobenc/secblobenc.h"
@@ -33,18 +33,12 @@ bool Opens(std::string_view value) {
   unsigned char cipher[kLongestLine];
   const std::int64_t cipherLength = SecBlobEnc_Base64_Decode(std::string(value).c_str(), cipher);
   if (cipherLength < 1) return false;
-  std::fflush(stdout);
-  const int output = dup(STDOUT_FILENO);
-  const int nowhere = open("/dev/null", O_WRONLY);
-  dup2(nowhere, STDOUT_FILENO);
+  const SilencedDescriptor silenced(STDOUT_FILENO);
   unsigned char plain[kLongestStoredPassword];
   std::uint32_t length = sizeof plain;
   const bool opens =
       Decode_Storage(cipher, static_cast<std::uint32_t>(cipherLength), seed1, sizeof seed1, seed2,
                      sizeof seed2, seed3, sizeof seed3, plain, &length) == 0;
-  std::fflush(stdout);
-  dup2(output, STDOUT_FILENO);
-  for (const int fd : {output, nowhere}) close(fd);
   OPENSSL_cleanse(plain, sizeof plain);
   return opens && length > 0;
 }

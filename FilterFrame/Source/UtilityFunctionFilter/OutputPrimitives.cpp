@@ -2,9 +2,6 @@
 
 #include "FilterFrame/Source/UtilityFunctionFilter/OutputPrimitives.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
@@ -14,21 +11,6 @@ namespace {
 
 int firstOutputError = 0;
 std::string* captured = nullptr;
-
-// Turns `fd` to /dev/null and gives a descriptor by which it can be turned back; -1 when it cannot.
-int Silence(int fd) {
-  const int saved = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-  if (saved >= 0 && nowhere >= 0) dup2(nowhere, fd);
-  if (nowhere >= 0) close(nowhere);
-  return saved;
-}
-
-void Restore(int fd, int saved) {
-  if (saved < 0) return;
-  dup2(saved, fd);
-  close(saved);
-}
 
 void NoteResult(std::FILE* stream, bool written) {
   if (!written && stream == stdout && firstOutputError == 0) firstOutputError = errno;
@@ -82,15 +64,9 @@ int FirstOutputError() {
 }
 
 OutputCapture::OutputCapture(std::string& text) {
-  std::fflush(stdout);
-  savedOutput_ = Silence(STDOUT_FILENO);
-  savedError_ = Silence(STDERR_FILENO);
   captured = &text;
 }
 
 OutputCapture::~OutputCapture() {
   captured = nullptr;
-  std::fflush(stdout);
-  Restore(STDOUT_FILENO, savedOutput_);
-  Restore(STDERR_FILENO, savedError_);
 }

@@ -3,9 +3,13 @@
 
 #pragma once
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstdio>
 #include <string>
+
+#include "FilterFrame/Source/UtilityFunctionFilter/StandardDescriptors.h"
 
 // Writes `count` elements of `size` bytes each.
 void ZRfwrite(const void* buf, std::size_t size, std::size_t count, std::FILE* stream);
@@ -44,6 +48,6 @@ class OutputCapture {
   OutputCapture& operator=(const OutputCapture&) = delete;
 
  private:
-  int savedOutput_;
-  int savedError_;
+  SilencedDescriptor output_{STDOUT_FILENO};
+  SilencedDescriptor error_{STDERR_FILENO};
 };

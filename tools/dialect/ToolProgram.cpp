@@ -24,6 +24,10 @@ int Complain(int status, const std::string& what) {
   return status;
 }
 
+int Misused(const std::string& what) {
+  return Complain(kWrongUsage, what + "; see " + toolName + " --help");
+}
+
 std::string Shown(const std::string& text) {
   return Printable(text, Charset::kUTF8);
 }

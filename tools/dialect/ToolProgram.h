@@ -16,6 +16,9 @@ inline constexpr int kUnreadable = 3;
 // Says `what` as one line on standard error, behind the tool's name. Returns `status`.
 int Complain(int status, const std::string& what);
 
+// Says what is wrong with the arguments, and where the right ones stand. Returns kWrongUsage.
+int Misused(const std::string& what);
+
 // A name or a message as one line that any terminal may receive.
 std::string Shown(const std::string& text);
 

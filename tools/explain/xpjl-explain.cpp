@@ -111,13 +111,11 @@ int Run(int argc, char* argv[]) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    return Complain(kWrongUsage, Shown(error.what()) + "; see xpjl-explain --help");
+    return Misused(Shown(error.what()));
   }
   // Everybody on the computer can read a program's arguments.
   for (int i = 1; i < argc; i++) OPENSSL_cleanse(argv[i], std::strlen(argv[i]));
-  if (wishes.queue.empty() && wishes.ppd.empty()) {
-    return Complain(kWrongUsage, "no queue and no PPD; see xpjl-explain --help");
-  }
+  if (wishes.queue.empty() && wishes.ppd.empty()) return Misused("no queue and no PPD");
   const bool isQueue = !wishes.queue.empty();
   const QueueSource source = isQueue ? PPDFromQueue(wishes.queue) : PPDFromFile(wishes.ppd);
   if (!source.error.empty()) {

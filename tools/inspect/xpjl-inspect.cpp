@@ -250,10 +250,10 @@ int Run(int argc, char* argv[]) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    return Complain(kWrongUsage, Shown(error.what()) + "; see xpjl-inspect --help");
+    return Misused(Shown(error.what()));
   }
   const std::string misuse = Misuse(wishes);
-  if (!misuse.empty()) return Complain(kWrongUsage, misuse + "; see xpjl-inspect --help");
+  if (!misuse.empty()) return Misused(misuse);
 
   PrivateKey key;
   if (!wishes.deviceKey.empty()) {

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -37,6 +38,13 @@ const std::string& ScratchFolder() {
 
 std::string ArgumentText(std::string_view text) {
   return std::string(text.substr(0, text.find('\0')));
+}
+
+std::string TakeArgument(std::string_view& rest) {
+  const std::size_t end = std::min(rest.find('\n'), rest.size());
+  std::string line = ArgumentText(rest.substr(0, end));
+  rest.remove_prefix(std::min(end + 1, rest.size()));
+  return line;
 }
 
 std::string WriteFile(const char* name, std::string_view content) {

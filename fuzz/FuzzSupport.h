@@ -17,6 +17,9 @@ inline std::string_view Text(const std::uint8_t* data, std::size_t size) {
 // Text up to its first NUL: what an argument or a C string can hold.
 std::string ArgumentText(std::string_view text);
 
+// Takes a line off the beginning of `rest`, as an argument.
+std::string TakeArgument(std::string_view& rest);
+
 // Writes a file of this process's own and returns its name; the same `name` is written anew.
 std::string WriteFile(const char* name, std::string_view content);
 

@@ -42,19 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (used != choice) UsePPD(ppds[used = choice]);
 
   std::string_view rest = Text(data + 1, size - 1);
-  std::string fields[2];
-  for (std::string& field : fields) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    field = ArgumentText(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  const std::string user = TakeArgument(rest), title = TakeArgument(rest);
   std::string options = ArgumentText(rest);
-  std::string words[] = {"cupstoxpjl", "1", fields[0], fields[1], "1", ""};
+  std::string words[] = {"cupstoxpjl", "1", user, title, "1", ""};
   std::vector<char*> args;
   for (std::string& word : words) args.push_back(word.data());
   args.push_back(nullptr);
 
-  Composition job(JobPPD(), {fields[0], fields[1], "1"}, TakeJobOptions(options.data()));
+  Composition job(JobPPD(), {user, title, "1"}, TakeJobOptions(options.data()));
   Require(options.find_first_not_of('\0') == options.npos, "the options are wiped");
   job.compose(args.data());
   if (job.complaints().failed()) return 0;

@@ -19,13 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (used != choice) UsePPD(ppds[used = choice]);
 
   std::string_view rest = Text(data + 1, size - 1);
-  std::string fields[2];
-  for (std::string& field : fields) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    field = ArgumentText(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
-  WriteHeader(fields[0], fields[1], ArgumentText(rest));
+  const std::string user = TakeArgument(rest), title = TakeArgument(rest);
+  WriteHeader(user, title, ArgumentText(rest));
   const std::string output = TakeOutput();
   Require(output.find("\x1b%-12345X@PJL ") != output.npos, "the header begins");
   Require(output.ends_with("@PJL ENTER LANGUAGE=POSTSCRIPT\n"), "the header ends");

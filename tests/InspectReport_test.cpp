@@ -68,7 +68,8 @@ std::vector<std::string> LinesOf(const JobReport& report) {
     std::istringstream words(line.substr(0, line.find(", byte ")));
     for (std::string word; words >> word;) even += (even.empty() ? "" : " ") + word;
     if (even.starts_with("job: ")) even.erase(0, even.find(", ") + 2);
-    if (!even.empty() && !even.starts_with("Size ")) lines.push_back(even);
+    const bool size = even.starts_with("Size ") && even.find(" bytes") != even.npos;
+    if (!even.empty() && !size) lines.push_back(even);
   }
   return lines;
 }

@@ -128,6 +128,11 @@ std::string Sentence(std::string text) {
 
 }  // namespace
 
+std::string DoneElsewhere(const OptionExplanation& option) {
+  const char* words = CupsAttribute(option.name);
+  return option.effect == Effect::kElsewhere && words != nullptr ? words : "";
+}
+
 Explainer::Explainer(const Trial& trial, std::vector<JobOption> queue, std::vector<JobOption> given)
     : trial_(trial), queue_(std::move(queue)), given_(std::move(given)) {
   job_ = trial_.run(options(kAll));

@@ -27,6 +27,9 @@ struct OptionExplanation {
   std::vector<std::string> why;      // why it has no effect, or not all of it; sentences
 };
 
+// What CUPS or another filter does for an option that has its effect there; empty for others.
+std::string DoneElsewhere(const OptionExplanation& option);
+
 struct LineExplanation {
   struct Row {
     std::string table;

@@ -28,10 +28,12 @@ Json Lines(const std::vector<std::string>& lines) {
 }
 
 Json OptionEntry(const OptionExplanation& option) {
-  return {{"name", Text(option.name)},          {"value", Text(option.value)},
-          {"effect", EffectKey(option.effect)}, {"why", Texts(option.why)},
-          {"choices", Texts(option.choices)},   {"tickets", Texts(option.tickets)},
-          {"lines", Lines(option.lines)},       {"instead", Lines(option.instead)}};
+  Json entry = {{"name", Text(option.name)},          {"value", Text(option.value)},
+                {"effect", EffectKey(option.effect)}, {"why", Texts(option.why)},
+                {"choices", Texts(option.choices)},   {"tickets", Texts(option.tickets)},
+                {"lines", Lines(option.lines)},       {"instead", Lines(option.instead)}};
+  if (!DoneElsewhere(option).empty()) entry["elsewhere"] = DoneElsewhere(option);
+  return entry;
 }
 
 Json RowEntry(const LineExplanation::Row& row) {

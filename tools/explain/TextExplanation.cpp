@@ -34,6 +34,7 @@ std::string Together(const std::vector<std::string>& words) {
 void AddOption(std::string& text, const OptionExplanation& option) {
   Add(text, "", option.name + "=" + option.value + ": " + EffectInWords(option.effect));
   for (const std::string& why : option.why) Add(text, "    ", why);
+  if (!DoneElsewhere(option).empty()) Add(text, "    ", DoneElsewhere(option));
   if (!option.choices.empty()) Add(text, "    chooses ", Together(option.choices));
   if (!option.tickets.empty()) Add(text, "    becomes ", Together(option.tickets));
   AddLines(text, "writes", option.lines);

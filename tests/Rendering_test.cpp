@@ -2,13 +2,16 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <utf8.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "queue/WatermarkTickets.h"
 #include "tests/support/PageImages.h"
 #include "tests/support/Patterns.h"
 #include "tests/support/Tickets.h"
@@ -93,3 +96,31 @@ TEST(Rendering, SnippetsLeaveNothingOnTheStacks) {
 }
 
 }  // namespace
+
+// Each letter that a watermark may have, as the font has it: the character that the glyph's name
+// stands for, and its width.
+TEST(Rendering, LettersOfWatermarksAreThoseOfTheFont) {
+  std::string postScript =
+      "/Helvetica-Bold findfont 1000 scalefont setfont\n"
+      "/code{dup AdobeGlyphList exch known{AdobeGlyphList exch get}\n"
+      "{20 string cvs dup 0(16#)putinterval cvi}ifelse =}def\n";
+  std::string expected;
+  int letters = 0;
+  for (char32_t letter = ' '; letter < 0xd800; letter++) {
+    std::string text;
+    double width = 0;
+    utf8::append(letter, std::back_inserter(text));
+    const std::string shown = ShownText(text, width);
+    if (shown.empty()) continue;
+    letters++;
+    postScript += "0 0 moveto " + shown + "show currentpoint pop round cvi =\n";
+    expected += std::to_string(std::lround(width * 1000)) + "\n";
+    for (const std::string& name : Captures("/([A-Za-z0-9]+) glyphshow", shown)) {
+      postScript += "/" + name + " code currentfont/CharStrings get/" + name + " known =\n";
+      const char32_t plain = letter == 0xa0 ? ' ' : letter == 0xad ? '-' : letter;
+      expected += std::to_string(plain) + "\ntrue\n";
+    }
+  }
+  EXPECT_EQ(Ghostscript("bbox", postScript), expected);
+  EXPECT_EQ(letters, 524);
+}

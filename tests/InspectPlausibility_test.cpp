@@ -94,7 +94,7 @@ TEST(Plausibility, TakesTimeInStepWithTheInput) {
         if (size == 1 << 19) first = time;
         RecordProperty("seconds", std::to_string(time));
         EXPECT_LT(time, 20 * first + 0.1) << piece << size;
-        EXPECT_LT(time, 1.5) << piece << size;
+        EXPECT_LT(time, 5) << piece << size;  // unoptimised, too
       }
     }
   }
